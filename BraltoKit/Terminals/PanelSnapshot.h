@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace Bralto {
+
+enum class PaneKind { Shell, Claude, Chat };
+
+/// What a pane was when the panel was saved.
+struct PaneSnapshot {
+    PaneKind kind = PaneKind::Chat;
+    std::optional<QString> claudeSessionId; ///< A UUID; upper case in the file.
+    QString directory;
+    std::optional<QString> scrollback;
+    std::optional<QString> name;
+    std::optional<QJsonObject> style; ///< Kept as it is until panes have styles.
+
+    bool operator==(const PaneSnapshot&) const = default;
+};
+
+struct GroupSnapshot {
+    std::vector<PaneSnapshot> panes;
+    int focusedIndex = 0;
+    std::optional<QString> name;
+
+    bool operator==(const GroupSnapshot&) const = default;
+};
+
+/// A panel as it is kept between runs.
+struct PanelSnapshot {
+    bool isVisible = false;
+    double editorFraction = 0.5;
+    int activeGroupIndex = 0;
+    std::vector<GroupSnapshot> groups;
+
+    [[nodiscard]] QByteArray encode() const;
+    /// Absent if a required key is missing or has another type.
+    [[nodiscard]] static std::optional<PanelSnapshot> decode(const QByteArray& json);
+
+    bool operator==(const PanelSnapshot&) const = default;
+};
+
+} // namespace Bralto

@@ -1,0 +1,31 @@
+# How everything is compiled: the language, the warnings, the sanitizers, the linker, the cache.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+
+set(BRALTO_SANITIZE "" CACHE STRING "Sanitizers for every target, separated by commas")
+option(BRALTO_FUZZ "Build the fuzz targets instead of the programs" OFF)
+
+set(BRALTO_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+add_link_options(-fuse-ld=lld)
+
+if(BRALTO_SANITIZE)
+    add_compile_options(-fsanitize=${BRALTO_SANITIZE} -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${BRALTO_SANITIZE})
+    if(BRALTO_SANITIZE MATCHES undefined)
+        add_compile_options(-fno-sanitize-recover=undefined)
+    endif()
+endif()
+if(BRALTO_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
