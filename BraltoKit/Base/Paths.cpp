@@ -8,9 +8,12 @@ QString standardised(const QString& path)
 {
     if (path.isEmpty())
         return path;
-    if (path.startsWith(u'/'))
-        return QDir::cleanPath(path);
-    return QDir::cleanPath(QDir::currentPath() + u'/' + path);
+    QString clean =
+        QDir::cleanPath(path.startsWith(u'/') ? path : QDir::currentPath() + u'/' + path);
+    // Nothing lies above the root, which Qt leaves to the system to find out.
+    while (clean.startsWith(QLatin1String("/../")))
+        clean.remove(0, 3);
+    return clean == QLatin1String("/..") ? QStringLiteral("/") : clean;
 }
 
 bool isBelow(const QString& path, const QString& folder)

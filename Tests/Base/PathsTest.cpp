@@ -16,6 +16,7 @@ TEST(Paths, StandardisingRemovesDotsAndTrailingSlashes)
     EXPECT_EQ(Paths::standardised("/a/./b/../c/"), "/a/c");
     EXPECT_EQ(Paths::standardised("//a//b"), "/a/b");
     EXPECT_EQ(Paths::standardised("/.."), "/");
+    EXPECT_EQ(Paths::standardised("/../../a/../../b"), "/b");
     EXPECT_EQ(Paths::standardised("/"), "/");
 }
 
