@@ -29,6 +29,13 @@ QDBusReply<Answer> ask(const QDBusConnection& bus, const QString& method,
 
 } // namespace
 
+QString SessionApplications::defaultRuntimeFolder(const AppPaths& paths)
+{
+    const QString given = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return given.startsWith(u'/') ? given + QStringLiteral("/bralto")
+                                  : paths.support() + QStringLiteral("/Running");
+}
+
 SessionApplications::SessionApplications(const QDBusConnection& bus, const QString& runtimeFolder)
     : m_bus(bus)
     , m_runtimeFolder(runtimeFolder)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/AppPaths.h"
 #include "Platform/FileLock.h"
 #include "Projects/RunningApplications.h"
 
@@ -14,6 +15,10 @@ namespace Bralto {
 /// bus, a locked file for each identifier serves instead. Main thread.
 class SessionApplications final : public RunningApplications {
 public:
+    /// The folder for the locks of this session; one in the support folder where the system
+    /// gives a session none.
+    [[nodiscard]] static QString defaultRuntimeFolder(const AppPaths& paths);
+
     /// `runtimeFolder` is made when the first lock is needed.
     SessionApplications(const QDBusConnection& bus, const QString& runtimeFolder);
     ~SessionApplications() override;

@@ -19,6 +19,20 @@ TEST(SessionApplications, AnElementThatBeginsWithADigitIsMadeLegal)
               "com.tolvane.bralto.space.a12b3c4d5e6f");
 }
 
+TEST(SessionApplications, LocksLieInTheFolderOfTheSessionOrElseInTheSupportFolder)
+{
+    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+    const AppPaths paths("/home/ann");
+
+    qputenv("XDG_RUNTIME_DIR", "/run/user/1000");
+    EXPECT_EQ(SessionApplications::defaultRuntimeFolder(paths), "/run/user/1000/bralto");
+    qunsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(SessionApplications::defaultRuntimeFolder(paths), paths.support() + "/Running");
+
+    if (!before.isNull())
+        qputenv("XDG_RUNTIME_DIR", before);
+}
+
 class ApplicationsOnABus : public testing::Test {
 protected:
     PrivateBus bus;
