@@ -2,6 +2,7 @@
 #include "Tests/Support/PrivateBus.h"
 
 #include <QDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -79,7 +80,7 @@ TEST_F(ApplicationsOnABus, AProcessThatEndsRunsNoMore)
     connection = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(name);
 
-    EXPECT_FALSE(home->isRunning(Space));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !home->isRunning(Space); }));
     EXPECT_TRUE(home->claim(Space));
 }
 
