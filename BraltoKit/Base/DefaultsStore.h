@@ -31,7 +31,11 @@ public:
 
     virtual void remove(const QString& key) = 0;
 
+    /// Returns once other processes can see what was set. Before starting a program that reads it.
+    virtual void synchronise() {}
+
     [[nodiscard]] bool contains(const QString& key) const { return value(key).isValid(); }
+    void setStrings(const QString& key, const QStringList& strings);
 
     /// The value if it has this very type, else nothing. `number` takes integers and doubles.
     [[nodiscard]] std::optional<bool> boolean(const QString& key) const;
@@ -41,6 +45,12 @@ public:
     /// The strings of an array; elements of another type make the whole absent.
     [[nodiscard]] std::optional<QStringList> strings(const QString& key) const;
     [[nodiscard]] std::optional<QVariantMap> dictionary(const QString& key) const;
+
+    /// Whether `value`, with all that it contains, has one of the types above.
+    [[nodiscard]] static bool isStorable(const QVariant& value);
+    /// Equal in type and value, all the way down; a comparison of `QVariant` takes 1, 1.0 and true
+    /// for the same. Two invalid values are the same.
+    [[nodiscard]] static bool isSame(const QVariant& left, const QVariant& right);
 
 signals:
     /// `key` has another value than before, whichever process wrote it.

@@ -5,7 +5,7 @@
 namespace Bralto::Paths {
 
 /// The identity of a file: absolute, without ".", ".." or a trailing "/" (the root alone is "/").
-/// Symbolic links stay as they are.
+/// Symbolic links stay as they are. An empty path names nothing and stays empty.
 [[nodiscard]] QString standardised(const QString& path);
 
 /// Whether `path` lies below `folder`; the folder itself doesn't. Both are standardised paths, so

@@ -1,0 +1,54 @@
+#include "Base/AppPaths.h"
+
+#include "Base/Paths.h"
+
+#include <QDir>
+
+namespace Bralto {
+
+AppPaths::AppPaths(QString home)
+    : m_home(Paths::standardised(home))
+{
+}
+
+AppPaths AppPaths::current()
+{
+    return AppPaths(QDir::homePath());
+}
+
+QString AppPaths::support() const
+{
+    return m_home + QStringLiteral("/Library/Application Support/Bralto");
+}
+
+QString AppPaths::preferences() const
+{
+    return support() + QStringLiteral("/Preferences");
+}
+
+QString AppPaths::terminals() const
+{
+    return support() + QStringLiteral("/Terminals");
+}
+
+QString AppPaths::applications() const
+{
+    return m_home + QStringLiteral("/Applications/Bralto");
+}
+
+QString AppPaths::projects() const
+{
+    return m_home + QStringLiteral("/Documents/Claude Projects");
+}
+
+QString AppPaths::claudeProjects() const
+{
+    return m_home + QStringLiteral("/.claude/projects");
+}
+
+QString AppPaths::claudeSettings() const
+{
+    return m_home + QStringLiteral("/.claude/settings.json");
+}
+
+} // namespace Bralto
