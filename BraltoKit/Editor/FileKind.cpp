@@ -7,6 +7,7 @@
 #include <QMimeType>
 #include <QSet>
 
+#include <algorithm>
 #include <array>
 
 namespace Bralto::FileKinds {
@@ -34,7 +35,8 @@ const QHash<QString, FileKind>& kindsByExtension()
             {FileKind::Image, "png jpg jpeg jpe gif bmp tif tiff heic heif webp avif ico icns jp2 "
                               "psd raw dng tga exr hdr"},
             {FileKind::Video, "mov mp4 m4v avi mkv webm mpg mpeg mp2v 3gp 3g2 ogv wmv flv qt"},
-            {FileKind::Audio, "mp3 m4a aac wav aif aiff aifc flac ogg oga opus mid midi caf amr wma"},
+            {FileKind::Audio,
+             "mp3 m4a aac wav aif aiff aifc flac ogg oga opus mid midi caf amr wma"},
             {FileKind::Pdf, "pdf"},
             {FileKind::Archive, "zip gz tgz tar bz2 tbz tbz2 xz txz zst lz lz4 7z rar jar war cpio "
                                 "xar cab ar deb rpm z"},
@@ -187,10 +189,10 @@ bool isViewed(FileKind kind)
 bool isPackage(const QString& path)
 {
     static const std::array<QLatin1String, 12> suffixes = {
-        QLatin1String("app"),        QLatin1String("bundle"),      QLatin1String("framework"),
-        QLatin1String("plugin"),     QLatin1String("appex"),       QLatin1String("xpc"),
-        QLatin1String("kext"),       QLatin1String("xcodeproj"),   QLatin1String("xcworkspace"),
-        QLatin1String("playground"), QLatin1String("rtfd"),        QLatin1String("sparsebundle")};
+        QLatin1String("app"),        QLatin1String("bundle"),    QLatin1String("framework"),
+        QLatin1String("plugin"),     QLatin1String("appex"),     QLatin1String("xpc"),
+        QLatin1String("kext"),       QLatin1String("xcodeproj"), QLatin1String("xcworkspace"),
+        QLatin1String("playground"), QLatin1String("rtfd"),      QLatin1String("sparsebundle")};
     const QString suffix = extension(path).toLower();
     return std::find(suffixes.begin(), suffixes.end(), suffix) != suffixes.end();
 }

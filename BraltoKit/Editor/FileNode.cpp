@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QLocale>
 
+#include <algorithm>
 #include <array>
 
 namespace Bralto {

@@ -11,10 +11,10 @@ namespace {
 const QHash<QString, Language>& languagesByName()
 {
     static const QHash<QString, Language> table = {
-        {"makefile", Language::Shell},     {"dockerfile", Language::Shell},
-        {".zshrc", Language::Shell},       {".bashrc", Language::Shell},
-        {".zprofile", Language::Shell},    {".profile", Language::Shell},
-        {".gitignore", Language::Config},  {".env", Language::Config},
+        {"makefile", Language::Shell},       {"dockerfile", Language::Shell},
+        {".zshrc", Language::Shell},         {".bashrc", Language::Shell},
+        {".zprofile", Language::Shell},      {".profile", Language::Shell},
+        {".gitignore", Language::Config},    {".env", Language::Config},
         {".editorconfig", Language::Config}, {".npmrc", Language::Config},
     };
     return table;

@@ -48,8 +48,8 @@ Content refused(const QString& reason)
 
 Content read(const QString& path)
 {
-    const Content tooLarge = refused(QStringLiteral(
-        "This file is larger than 8 MB, so Bralto won’t open it for editing."));
+    const Content tooLarge = refused(
+        QStringLiteral("This file is larger than 8 MB, so Bralto won’t open it for editing."));
     const Content unreadable = refused(QStringLiteral(
         "Bralto couldn’t read this file. It may have been moved or you may not have permission."));
 
@@ -70,8 +70,8 @@ Content read(const QString& path)
         return tooLarge;
 
     if (bytes.left(SearchedForZero).contains('\0')) {
-        return refused(QStringLiteral(
-            "This looks like a binary file, so there’s nothing to edit here."));
+        return refused(
+            QStringLiteral("This looks like a binary file, so there’s nothing to edit here."));
     }
     if (auto text = decode(bytes))
         return {std::move(*text), std::nullopt};
