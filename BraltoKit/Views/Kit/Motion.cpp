@@ -20,8 +20,8 @@ double Spring::value(double seconds) const
 
 double Spring::duration() const
 {
-    constexpr double Thousandth = 9.2; // a little more than ln 1000, for the factor before it
-    return Thousandth / (damping * 2 * std::numbers::pi / response);
+    constexpr double NearlyThere = 7.6; // minus the logarithm of what is left of the way
+    return NearlyThere / (damping * 2 * std::numbers::pi / response);
 }
 
 Animated::Animated(const Theme& theme, Spring spring, double value, QObject* parent)

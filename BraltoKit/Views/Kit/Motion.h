@@ -16,7 +16,7 @@ struct Spring {
 
     /// How far the spring has come `seconds` after its start: 0 at rest, 1 at its goal.
     [[nodiscard]] double value(double seconds) const;
-    /// After how many seconds it stays within a thousandth of its goal.
+    /// After how many seconds nothing of its way is left to see.
     [[nodiscard]] double duration() const;
 
     bool operator==(const Spring&) const = default;
