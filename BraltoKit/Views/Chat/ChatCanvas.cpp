@@ -53,6 +53,11 @@ void ChatCanvas::fillTop(const QRectF& rect, double radius, const QColor& ground
     m_scene.fills.push_back({rect, radius, ground, {}, false});
 }
 
+void ChatCanvas::frame(const QRectF& rect, double radius, const QColor& edge)
+{
+    m_scene.frames.push_back({rect, radius, {}, edge, true});
+}
+
 void ChatCanvas::symbol(const QRectF& rect, const QString& name, const QColor& ink)
 {
     m_scene.symbols.push_back({rect, name, ink});
@@ -229,14 +234,29 @@ ChatText ChatCanvas::styled(const std::vector<InlineRun>& runs, TextRole role,
     return text;
 }
 
-void ChatCanvas::add(ChatScene scene)
+void ChatCanvas::add(ChatScene scene, const QPointF& offset)
 {
+    const auto move = [&offset](auto& parts) {
+        for (auto& part : parts)
+            part.rect.translate(offset);
+    };
+    if (!offset.isNull()) {
+        move(scene.fills);
+        move(scene.pictures);
+        move(scene.frames);
+        move(scene.symbols);
+        move(scene.marks);
+        move(scene.hots);
+        for (ChatScene::Text& text : scene.texts)
+            text.at += offset;
+    }
     const auto append = [](auto& to, auto& from) {
         to.insert(to.end(), std::make_move_iterator(from.begin()),
                   std::make_move_iterator(from.end()));
     };
     append(m_scene.fills, scene.fills);
     append(m_scene.pictures, scene.pictures);
+    append(m_scene.frames, scene.frames);
     append(m_scene.symbols, scene.symbols);
     append(m_scene.marks, scene.marks);
     append(m_scene.texts, scene.texts);

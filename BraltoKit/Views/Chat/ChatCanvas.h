@@ -65,6 +65,8 @@ public:
     void fill(const QRectF& rect, double radius, const QColor& ground, const QColor& edge = {});
     /// A fill with round corners at its top only.
     void fillTop(const QRectF& rect, double radius, const QColor& ground);
+    /// An edge over everything that is drawn, pictures too.
+    void frame(const QRectF& rect, double radius, const QColor& edge);
     void symbol(const QRectF& rect, const QString& name, const QColor& ink);
     void mark(const QRectF& rect, ChatToolStatus status);
     void picture(ChatScene::Picture picture);
@@ -82,8 +84,8 @@ public:
     [[nodiscard]] ChatText styled(const std::vector<InlineRun>& runs, TextRole role,
                                   const QColor& ink) const;
 
-    /// Lays another scene over this one, at the same place.
-    void add(ChatScene scene);
+    /// Lays another scene over this one, moved by `offset`.
+    void add(ChatScene scene, const QPointF& offset = {});
     /// The scene so far, with its height; the canvas is empty afterwards.
     [[nodiscard]] ChatScene take(double height);
 

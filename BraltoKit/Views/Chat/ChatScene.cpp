@@ -140,6 +140,10 @@ void paint(QPainter& painter, const ChatScene& scene, const QPointF& origin, con
         if (isVisible(picture.rect))
             drawPicture(painter, picture, origin);
     }
+    for (const ChatScene::Fill& frame : scene.frames) {
+        if (isVisible(frame.rect))
+            Shape::edgeInside(painter, frame.rect.translated(origin), frame.radius, frame.edge);
+    }
     for (const ChatScene::Symbol& symbol : scene.symbols) {
         if (isVisible(symbol.rect))
             Icon::draw(painter, symbol.rect.translated(origin), symbol.name, symbol.ink);

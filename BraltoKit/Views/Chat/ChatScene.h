@@ -90,6 +90,7 @@ struct ChatScene {
 
     std::vector<Fill> fills;
     std::vector<Picture> pictures;
+    std::vector<Fill> frames; ///< Edges over pictures.
     std::vector<Symbol> symbols;
     std::vector<Mark> marks;
     std::vector<Text> texts;
