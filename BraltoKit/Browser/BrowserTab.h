@@ -17,16 +17,16 @@ public:
 
     [[nodiscard]] const QString& id() const { return m_id; } ///< A UUID; lasts for the process.
     [[nodiscard]] const QUrl& url() const { return m_url; }  ///< Empty for a blank tab.
-    /// The page's title, else its host, else "New Tab".
+    /// The page's last title, else its host, else "New Tab".
     [[nodiscard]] QString title() const;
 
     void setUrl(const QUrl& url);
-    void setTitle(const QString& title);
+    void setTitle(const QString& title); ///< An empty one is ignored.
     void stopLoading();
 
 signals:
     void urlChanged(const QUrl& url);
-    void titleChanged(const QString& title);
+    void titleChanged(const QString& title); ///< What `title` gives is another.
     void stopRequested();
 
 private:

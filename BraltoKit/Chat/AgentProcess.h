@@ -14,18 +14,23 @@ namespace Bralto {
 
 /// How to start a child: the program, what it gets, where it stands.
 struct AgentLaunch {
-    QString program;
+    QString program;         ///< An absolute path.
     QStringList arguments;   ///< Without the program's own name.
     QStringList environment; ///< "NAME=value", the whole environment.
     QString folder;          ///< Current directory.
 };
 
-/// What a child's pipes deliver. Called on threads of the process object, each pipe's calls in
-/// order and never two at once; the bytes are valid during the call only.
+/// What a child's pipes deliver. Called on threads of the process object, in order and never two
+/// at once; the bytes are valid during the call only. A call may still be under way when the
+/// process object is destroyed, so the functions own what they touch.
 struct AgentPipes {
     std::function<void(std::string_view bytes)> output;
     std::function<void()> outputEnded; ///< Once, after the last `output`.
     std::function<void(std::string_view bytes)> errors;
+    /// Once, when the child has exited: its exit code, or 128 and the signal that ended it. Comes
+    /// before `outputEnded` and after the last `errors`, unless the child closed its output first
+    /// and runs on.
+    std::function<void(int status)> ended;
 };
 
 /// A running child with three pipes, in a process group of its own that ends with this process,

@@ -1,0 +1,38 @@
+# Sourced by run.sh, test.sh and .ci/run: `install_packages` installs from packages.txt what is missing.
+
+install_packages() {
+    local wanted missing
+    wanted=$(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' packages.txt | awk '{print $1}')
+    # dpkg-query lists what it knows; whatever is not "installed" in its answer is missing.
+    missing=$(comm -23 <(sort -u <<<"$wanted") \
+        <(dpkg-query -W -f='${Package} ${db:Status-Status}\n' $wanted 2>/dev/null | awk '$2 == "installed" {print $1}' | sort -u))
+    [ -z "$missing" ] && return 0
+    echo "Installing: $(tr '\n' ' ' <<<"$missing")" >&2
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "These packages are missing, and there is no sudo to install them." >&2; return 1; }
+        as_root=(sudo)
+    fi
+    local log
+    log=$(mktemp)
+    if ! { "${as_root[@]}" apt-get update -q && \
+           "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing; } >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        return 1
+    fi
+    rm -f "$log"
+}
+
+# Configures the preset once and builds the targets that are named after it, or everything.
+build_preset() {
+    local preset=$1
+    shift
+    if [ ! -f "build/$preset/build.ninja" ]; then
+        cmake --preset "$preset" >"$(mkdir -p "build/$preset" && echo "build/$preset")/configure.log" 2>&1 \
+            || { cat "build/$preset/configure.log" >&2; return 1; }
+    fi
+    local targets=()
+    [ $# -gt 0 ] && targets=(--target "$@")
+    cmake --build "build/$preset" "${targets[@]}"
+}
