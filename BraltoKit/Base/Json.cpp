@@ -44,7 +44,7 @@ struct Member {
 std::vector<Member> members(simdjson::dom::object object, KeyOrder order)
 {
     std::vector<Member> result;
-    for (const auto& [key, value] : object)
+    for (const auto [key, value] : object)
         result.push_back({key, value, result.size()});
     std::ranges::stable_sort(result, {}, &Member::key);
     const auto doubled = std::ranges::unique(result, {}, &Member::key);
@@ -64,12 +64,14 @@ void write(JsonWriter& writer, simdjson::dom::element element, KeyOrder order)
     case element_type::OBJECT:
         write(writer, element.get_object().value_unsafe(), order);
         return;
-    case element_type::ARRAY:
+    case element_type::ARRAY: {
+        const simdjson::dom::array items = element.get_array().value_unsafe();
         writer.beginArray();
-        for (const auto& item : element.get_array().value_unsafe())
+        for (const auto item : items)
             write(writer, item, order);
         writer.endArray();
         return;
+    }
     case element_type::STRING:
         writer.value(element.get_string().value_unsafe());
         return;
@@ -277,7 +279,7 @@ std::vector<JsonObject> JsonObject::objects(std::string_view key) const
 {
     std::vector<JsonObject> result;
     if (const auto found = array(key)) {
-        for (const auto& item : found->raw()) {
+        for (const auto item : found->raw()) {
             if (const auto object = get<simdjson::dom::object>(item))
                 result.emplace_back(*object);
         }
@@ -289,7 +291,7 @@ QStringList JsonObject::strings(std::string_view key) const
 {
     QStringList result;
     if (const auto found = array(key)) {
-        for (const auto& item : found->raw()) {
+        for (const auto item : found->raw()) {
             if (const auto string = get<std::string_view>(item))
                 result.append(text(*string));
         }

@@ -56,9 +56,10 @@ void ClaudeChat::take(const ChatEvents::RateLimits& event)
 
 void ClaudeChat::take(const ChatEvents::Question& event)
 {
-    setPendingQuestion(event.question);
     m_pendingInput = event.input;
-    setState(ChatState::Kind::Waiting);
+    setPendingQuestion(event.question);
+    if (m_pendingQuestion) // Who heard of it may have stopped everything.
+        setState(ChatState::Kind::Waiting);
 }
 
 void ClaudeChat::take(const ChatEvents::Permission& event)
@@ -73,7 +74,8 @@ void ClaudeChat::take(const ChatEvents::Permission& event)
     const QString summary =
         ChatProtocol::summary(event.tool, reader.object(event.input), m_services.host.home());
     setPendingPermission(ChatPermission{event.requestId, event.tool, summary, event.input});
-    setState(ChatState::Kind::Waiting);
+    if (m_pendingPermission)
+        setState(ChatState::Kind::Waiting);
 }
 
 void ClaudeChat::take(const ChatEvents::UnsupportedRequest& event)

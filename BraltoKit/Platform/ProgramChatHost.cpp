@@ -53,11 +53,11 @@ QStringList ProgramChatHost::mcpConfigFlags() const
     return {};
 }
 
-void ProgramChatHost::installHooks() { }
+void ProgramChatHost::installHooks() {}
 
-void ProgramChatHost::clearAttention(const QString&) { }
+void ProgramChatHost::clearAttention(const QString&) {}
 
-void ProgramChatHost::ingestRateLimits(const QByteArray&, const QDateTime&) { }
+void ProgramChatHost::ingestRateLimits(const QByteArray&, const QDateTime&) {}
 
 QString ProgramChatHost::shell() const
 {

@@ -24,15 +24,13 @@ TEST(ChatStatusTexts, AModelIsNamedByItsIdentifier)
     EXPECT_EQ(ChatStatusTexts::displayName(""), "");
 }
 
-TEST(ChatStatusTexts, ModesAndLevelsHaveNames)
+TEST(ChatStatusTexts, ModesHaveNames)
 {
     EXPECT_EQ(ChatStatusTexts::modeName("bypassPermissions"), "Bypass");
     EXPECT_EQ(ChatStatusTexts::modeName("acceptEdits"), "Accept Edits");
     EXPECT_EQ(ChatStatusTexts::modeName("plan"), "Plan");
     EXPECT_EQ(ChatStatusTexts::modeName("default"), "Ask");
     EXPECT_EQ(ChatStatusTexts::modeName("dontAsk"), "dontAsk");
-    EXPECT_EQ(ChatStatusTexts::effortName("xhigh"), "Extra High");
-    EXPECT_EQ(ChatStatusTexts::effortName("max"), "Max");
 }
 
 TEST(ChatStatusTexts, EveryStateHasALabel)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Chat/ChatTranscript.h"
+
+#include <QByteArray>
+
+namespace Bralto::ChatJson {
+
+/// A transcript as indented JSON text for people and for tests: `messages` with their blocks,
+/// `subagents`, and what is known of `status`. What is absent has no key. A picture's bytes are
+/// told by their number and their SHA-256.
+[[nodiscard]] QByteArray encode(const ChatTranscript& transcript);
+
+} // namespace Bralto::ChatJson

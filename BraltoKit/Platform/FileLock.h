@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+namespace Bralto {
+
+/// An advisory lock on a file of its own, held by one process at a time and let go when this
+/// object or the process ends. The file is made if it isn't there, and stays. Any thread.
+class FileLock {
+public:
+    enum class Wait { Yes, No };
+
+    FileLock(const QString& path, Wait wait);
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    ~FileLock();
+
+    /// Whether this object holds the lock: another process may have it, or there may be no place
+    /// for the file.
+    [[nodiscard]] bool isHeld() const { return m_isHeld; }
+    /// Whether the file could be opened at all.
+    [[nodiscard]] bool isOpen() const { return m_file >= 0; }
+
+private:
+    int m_file = -1;
+    bool m_isHeld = false;
+};
+
+} // namespace Bralto
