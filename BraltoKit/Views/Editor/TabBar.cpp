@@ -4,6 +4,7 @@
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/Shape.h"
 #include "Views/Kit/Shortcuts.h"
+#include "Views/Kit/WidthShares.h"
 
 #include <QPainter>
 #include <QWheelEvent>
@@ -72,36 +73,6 @@ void TabBar::refresh()
     revealActive();
 }
 
-std::vector<int> TabBar::shares(const std::vector<int>& wanted, int room, int gap, int least)
-{
-    std::vector<int> widths = wanted;
-    if (widths.empty())
-        return widths;
-    const int count = int(widths.size());
-    int excess = std::accumulate(widths.begin(), widths.end(), 0) + gap * (count - 1) - room;
-    // The widest are cut to a common width; each turn lowers it to the next narrower one.
-    while (excess > 0) {
-        const int widest = *std::ranges::max_element(widths);
-        if (widest <= least)
-            break;
-        int next = least;
-        int atWidest = 0;
-        for (const int width : widths) {
-            if (width == widest)
-                ++atWidest;
-            else
-                next = std::max(next, width);
-        }
-        const int cut = std::min(widest - next, (excess + atWidest - 1) / atWidest);
-        for (int& width : widths) {
-            if (width == widest)
-                width -= cut;
-        }
-        excess -= cut * atWidest;
-    }
-    return widths;
-}
-
 void TabBar::place()
 {
     const int button = m_newTab ? Measure::IconButton + Gap + 2 : 0;
@@ -109,7 +80,7 @@ void TabBar::place()
     std::vector<int> wanted;
     for (const EditorTab* tab : m_tabs)
         wanted.push_back(std::min(tab->sizeHint().width(), Measure::LargestTab));
-    const std::vector<int> widths = shares(wanted, room, Gap, Measure::SmallestTab);
+    const std::vector<int> widths = widthShares(wanted, room, Gap, Measure::SmallestTab);
 
     const int whole = std::accumulate(widths.begin(), widths.end(), 0) +
                       Gap * std::max(0, int(widths.size()) - 1);

@@ -21,11 +21,6 @@ public:
     [[nodiscard]] const std::vector<EditorTab*>& tabs() const { return m_tabs; }
     [[nodiscard]] IconButton* newTabButton() const { return m_newTab; } ///< Null without pages.
 
-    /// Widths of tabs that want `wanted` in `room` units with `gap` between them: as wanted if
-    /// they fit, else the widest give way first, none below `least`.
-    [[nodiscard]] static std::vector<int> shares(const std::vector<int>& wanted, int room, int gap,
-                                                 int least);
-
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
