@@ -1,7 +1,7 @@
 #include "Workspace/Workspace.h"
 
 #include "Base/Paths.h"
-#include "Projects/ProjectsLibrary.h"
+#include "Projects/ProjectUse.h"
 #include "Terminals/TerminalStore.h"
 #include "Workspace/SharedMigration.h"
 
@@ -243,7 +243,7 @@ void Workspace::rememberRecent(const QString& path)
 {
     const QString folder = Paths::standardised(path);
     DefaultsStore& shared = m_services.defaults.shared;
-    ProjectsLibrary::markUsed(shared, folder, m_services.clock.now());
+    ProjectUse::markUsed(shared, folder, m_services.clock.now());
     QStringList folders = m_recentFolders;
     folders.removeAll(folder);
     folders.prepend(folder);
@@ -270,7 +270,7 @@ void Workspace::markUsed()
 {
     const auto project = m_root ? std::optional(m_root->path()) : m_services.folder;
     if (project) {
-        ProjectsLibrary::markUsed(m_services.defaults.shared, *project, m_services.clock.now());
+        ProjectUse::markUsed(m_services.defaults.shared, *project, m_services.clock.now());
     }
 }
 

@@ -7,6 +7,7 @@
 #include "Base/Dialogs.h"
 #include "Base/Expected.h"
 #include "Base/Scheduler.h"
+#include "BraltoShared/BraltoLink.h"
 #include "Editor/FileNode.h"
 #include "Projects/SpaceTheme.h"
 #include "Terminals/TerminalPanel.h"
@@ -207,6 +208,9 @@ public:
     enum class StartClaude { No, Yes };
     std::optional<QString> createProject(const QString& name, const QString& parent,
                                          StartClaude startClaude);
+
+    /// Carries out what another process asked for with an address. What it names must exist.
+    void perform(const BraltoLink& link);
 
     // Settings
     void setSidebarSelection(const std::optional<SidebarItem>& item);

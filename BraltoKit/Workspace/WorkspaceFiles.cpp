@@ -1,7 +1,7 @@
 #include "Workspace/Workspace.h"
 
 #include "Base/Paths.h"
-#include "Projects/ProjectsLibrary.h"
+#include "Projects/ProjectUse.h"
 #include "Workspace/FileOperations.h"
 
 #include <QFileInfo>
@@ -75,7 +75,7 @@ void Workspace::presentOpenPanel()
 void Workspace::newInFocusedArea()
 {
     if (!m_root) {
-        createProject(ProjectsLibrary::currentRoot(m_services.defaults.shared, m_services.paths));
+        createProject(ProjectUse::currentRoot(m_services.defaults.shared, m_services.paths));
         return;
     }
     switch (focusArea()) {
