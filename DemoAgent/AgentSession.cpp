@@ -14,14 +14,51 @@
 
 namespace DemoAgent {
 
-AgentSession::AgentSession(Conversation& conversation, int input)
+AgentSession::AgentSession(Conversation& conversation, Recorder& recorder, int input)
     : m_conversation(conversation)
+    , m_recorder(recorder)
     , m_input(input, QSocketNotifier::Read)
 {
     connect(&m_input, &QSocketNotifier::activated, this, &AgentSession::readInput);
 }
 
 AgentSession::~AgentSession() = default;
+
+void AgentSession::playScript(std::vector<ScriptStep> steps, const QString& folder)
+{
+    const auto goOnWithout = [this] {
+        // Queued, as the player's own code still runs.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                const auto left = std::exchange(m_script, {})->leftOver();
+                for (const QJsonObject& line : left)
+                    dispatch(line);
+                considerNext();
+            },
+            Qt::QueuedConnection);
+    };
+    m_script = std::make_unique<ScriptPlayer>(
+        ScriptContext{m_conversation, *this, m_recorder, folder}, std::move(steps), goOnWithout);
+    QMetaObject::invokeMethod(
+        this, [this] { m_script->start(); }, Qt::QueuedConnection);
+}
+
+void AgentSession::runTurn(const Prompt& prompt, Later<bool>& ended)
+{
+    m_scriptTurn = &ended;
+    startTurn({prompt});
+}
+
+void AgentSession::stopReading()
+{
+    m_input.setEnabled(false);
+}
+
+void AgentSession::endProcess(int status)
+{
+    emit ended(status, {});
+}
 
 void AgentSession::readInput()
 {
@@ -44,8 +81,11 @@ void AgentSession::endInput()
     m_input.setEnabled(false);
     if (const QByteArray rest = m_reader.finish(); !rest.isEmpty())
         takeLine(rest);
+    m_recorder.inputEnded();
     m_inputEnded = true;
     m_conversation.requests.close();
+    if (m_script)
+        m_script->inputEnded();
     considerNext();
 }
 
@@ -53,6 +93,7 @@ void AgentSession::takeLine(const QByteArray& bytes)
 {
     if (bytes.trimmed().isEmpty())
         return;
+    m_recorder.arrived(bytes);
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError) {
@@ -64,6 +105,8 @@ void AgentSession::takeLine(const QByteArray& bytes)
 
 void AgentSession::dispatch(const QJsonObject& line)
 {
+    if (m_script && m_script->takes(line))
+        return;
     const QString type = line.value("type").toString();
     if (type == u"user") {
         m_queue.push_back(Prompt::fromContent(line.value("message")["content"]));
@@ -122,11 +165,13 @@ void AgentSession::stopTask(const QString& requestId, const QString& taskId)
 
 void AgentSession::considerNext()
 {
-    if (m_turn)
+    if (m_turn || m_script)
         return;
     if (!m_queue.empty()) {
         std::vector<Prompt> prompts(m_queue.begin(), m_queue.end());
         m_queue.clear();
+        for (const Prompt& prompt : prompts)
+            m_conversation.notePrompt(prompt.text);
         startTurn(std::move(prompts));
     } else if (!m_conversation.announcements.isEmpty()) {
         startAnnouncedTurn();
@@ -137,15 +182,10 @@ void AgentSession::considerNext()
 
 void AgentSession::startTurn(std::vector<Prompt> prompts)
 {
-    for (const Prompt& prompt : prompts) {
-        ++m_conversation.turns;
-        m_conversation.previousPrompt = std::exchange(m_conversation.lastPrompt, prompt.text);
-        if (m_conversation.firstPrompt.isEmpty())
-            m_conversation.firstPrompt = prompt.text;
-    }
     m_turn = std::make_unique<Turn>(m_conversation);
     m_turn->begin(prompts);
-    m_work = runTurn(std::move(prompts));
+    m_turn->sendInit();
+    m_work = answer(std::move(prompts));
     m_work->start();
 }
 
@@ -154,11 +194,12 @@ void AgentSession::startAnnouncedTurn()
     m_turn = std::make_unique<Turn>(m_conversation);
     m_turn->setOrigin({{"kind", "task-notification"}});
     m_turn->begin({});
-    m_work = runAnnouncedTurn(m_conversation.announcements.takeFirst());
+    m_turn->sendInit();
+    m_work = announce(m_conversation.announcements.takeFirst());
     m_work->start();
 }
 
-Task<> AgentSession::runTurn(std::vector<Prompt> prompts)
+Task<> AgentSession::answer(std::vector<Prompt> prompts)
 {
     for (const Prompt& prompt : prompts)
         co_await Behaviours::answer(*m_turn, prompt);
@@ -166,7 +207,7 @@ Task<> AgentSession::runTurn(std::vector<Prompt> prompts)
     turnIsDone();
 }
 
-Task<> AgentSession::runAnnouncedTurn(QString report)
+Task<> AgentSession::announce(QString report)
 {
     QString words = u"The helper in the background has ended. " + report;
     co_await m_turn->say(words);
@@ -189,6 +230,8 @@ void AgentSession::closeTurn()
     m_conversation.store.appendNote(
         {{"type", "last-prompt"}, {"lastPrompt", m_conversation.lastPrompt.left(200)}});
     startJobs();
+    if (m_scriptTurn)
+        std::exchange(m_scriptTurn, nullptr)->bring(true);
     considerNext();
 }
 

@@ -2,6 +2,8 @@
 
 #include "DemoAgent/Conversation.h"
 #include "DemoAgent/LineReader.h"
+#include "DemoAgent/Recorder.h"
+#include "DemoAgent/Script/ScriptPlayer.h"
 #include "DemoAgent/Turn.h"
 
 #include <QObject>
@@ -16,19 +18,27 @@ namespace DemoAgent {
 
 /// One process's side of the pipes: takes the app's lines, runs one turn at a time, queues what
 /// comes meanwhile, and ends when the input has ended and all work is done.
-class AgentSession : public QObject {
+class AgentSession : public QObject, private ScriptHost {
     Q_OBJECT
 
 public:
-    /// `conversation` must outlive this object.
-    AgentSession(Conversation& conversation, int input);
+    /// Both must outlive this object.
+    AgentSession(Conversation& conversation, Recorder& recorder, int input);
     ~AgentSession() override;
+
+    /// Plays a script before anything else; `folder` is where its file lies. Call it before the
+    /// event loop runs.
+    void playScript(std::vector<ScriptStep> steps, const QString& folder);
 
 signals:
     /// The process shall end with this status; `message` goes to stderr.
     void ended(int status, const QString& message);
 
 private:
+    void runTurn(const Prompt& prompt, Later<bool>& ended) override;
+    void stopReading() override;
+    void endProcess(int status) override;
+
     void readInput();
     void takeLine(const QByteArray& bytes);
     void dispatch(const QJsonObject& line);
@@ -41,8 +51,8 @@ private:
     void considerNext();
     void startTurn(std::vector<Prompt> prompts);
     void startAnnouncedTurn();
-    Task<> runTurn(std::vector<Prompt> prompts);
-    Task<> runAnnouncedTurn(QString report);
+    Task<> answer(std::vector<Prompt> prompts);
+    Task<> announce(QString report);
     void turnIsDone();
     void closeTurn();
 
@@ -50,6 +60,7 @@ private:
     Task<> superviseJob(BackgroundJob job);
 
     Conversation& m_conversation;
+    Recorder& m_recorder;
     LineReader m_reader;
     QSocketNotifier m_input;
     bool m_inputEnded = false;
@@ -58,6 +69,10 @@ private:
     std::unique_ptr<Turn> m_turn;
     std::optional<Task<>> m_work;
     bool m_turnIsDone = false;
+
+    std::unique_ptr<ScriptPlayer> m_script;
+    /// Of a turn that the script has asked for.
+    Later<bool>* m_scriptTurn = nullptr;
 
     struct RunningJob {
         QString taskId;

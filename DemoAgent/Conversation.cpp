@@ -44,4 +44,12 @@ Conversation::Conversation(const Arguments& arguments, QString id, QString homeF
 {
 }
 
+void Conversation::notePrompt(const QString& text)
+{
+    ++turns;
+    previousPrompt = std::exchange(lastPrompt, text);
+    if (firstPrompt.isEmpty())
+        firstPrompt = text;
+}
+
 } // namespace DemoAgent

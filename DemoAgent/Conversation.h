@@ -39,6 +39,9 @@ struct Conversation {
     Conversation(const Arguments& arguments, QString sessionId, QString home, QString folder,
                  Pace pace, int output);
 
+    /// Remembers what the user wrote, before the turn that it begins.
+    void notePrompt(const QString& text);
+
     const QString sessionId;
     const QString home;
     /// The folder that the agent works in, absolute.

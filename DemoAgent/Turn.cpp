@@ -35,6 +35,10 @@ void Turn::begin(const std::vector<Prompt>& prompts)
             Wire::userMessage(prompt.content),
             {{"permissionMode", m_conversation.settings.permissionMode}});
     }
+}
+
+void Turn::sendInit()
+{
     m_conversation.out.send(initLine(m_conversation));
 }
 
@@ -44,6 +48,17 @@ Task<> Turn::say(QString text)
 }
 
 Task<> Turn::sayPieces(QStringList pieces, std::chrono::milliseconds pause)
+{
+    co_await streamText(std::move(pieces), pause);
+    endText();
+}
+
+Task<> Turn::beginText(QString text)
+{
+    return streamText(pieces(text, TextPiece), DeltaPause);
+}
+
+Task<> Turn::streamText(QStringList pieces, std::chrono::milliseconds pause)
 {
     co_await m_conversation.pace.pause(m_message ? 0ms : FirstTokenPause);
     ensureMessage();
@@ -55,8 +70,15 @@ Task<> Turn::sayPieces(QStringList pieces, std::chrono::milliseconds pause)
         sendDelta({{"type", "text_delta"}, {"text", piece}}, piece.size());
         co_await m_conversation.pace.pause(pause);
     }
-    m_lastText = said;
-    closeBlock(Wire::textBlock(said));
+}
+
+void Turn::endText()
+{
+    if (!m_message || m_message->streaming.isEmpty())
+        return;
+    const QJsonObject block = m_message->streaming;
+    m_lastText = block.value("text").toString();
+    closeBlock(block);
 }
 
 Task<> Turn::think(QString thinking)
@@ -102,7 +124,8 @@ Task<> Turn::streamTool(ToolUse use, Permission permission, QJsonObject asked)
 
 void Turn::endMessageForTools()
 {
-    closeMessage("tool_use");
+    if (m_message)
+        closeMessage("tool_use");
 }
 
 Task<Decision> Turn::decide(ToolUse use, Permission permission)

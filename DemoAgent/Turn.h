@@ -30,19 +30,25 @@ public:
 
     [[nodiscard]] Conversation& conversation() { return m_conversation; }
 
-    /// Stores the prompts and sends `system/init`.
+    /// Starts the clock and stores the prompts.
     void begin(const std::vector<Prompt>& prompts);
+    /// `system/init`, with which the app sees the turn begin.
+    void sendInit();
 
     /// Streams a text block in small pieces.
     Task<> say(QString text);
     /// The same, a piece at a time with this pause between: a slow text that may be interrupted.
     Task<> sayPieces(QStringList pieces, std::chrono::milliseconds pause);
+    /// The two halves of `say`; between them the block is open.
+    Task<> beginText(QString text);
+    /// Nothing if no text is open.
+    void endText();
     Task<> think(QString thinking);
 
     /// Streams a tool call as the next block of the message. An interactive tool asks at once, as
     /// the real one does while its block is still open, with `asked` as the request's input.
     Task<> streamTool(ToolUse use, Permission permission, QJsonObject asked);
-    /// Ends the message that ends in tool calls.
+    /// Ends the message that ends in tool calls. Nothing if none is open.
     void endMessageForTools();
     /// Waits for the user's decision, if the mode asks for one.
     Task<Decision> decide(ToolUse use, Permission permission);
@@ -78,6 +84,7 @@ private:
         std::vector<QJsonObject> finished;
     };
 
+    Task<> streamText(QStringList pieces, std::chrono::milliseconds pause);
     void ensureMessage();
     void openBlock(const QJsonObject& block);
     void sendDelta(const QJsonObject& delta, qsizetype characters);

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -14,6 +15,8 @@ using namespace DemoAgent;
 
 namespace {
 
+using Steps = std::vector<ScriptStep>;
+
 int printed(const QString& text, std::FILE* where, int status)
 {
     const QByteArray bytes = text.toUtf8();
@@ -21,15 +24,24 @@ int printed(const QString& text, std::FILE* where, int status)
     return status;
 }
 
-int converse(const Arguments& arguments)
+int converse(const Arguments& arguments, const QStringList& words)
 {
+    Recorder recorder;
+    if (arguments.record)
+        recorder.open(*arguments.record);
+    recorder.started(words);
     const auto home = QDir::homePath();
     Conversation conversation(arguments, Startup::sessionId(arguments), home, QDir::currentPath(),
                               Pace::fromText(qgetenv("BRALTO_DEMO_SPEED")), STDOUT_FILENO);
+    auto script = arguments.script ? ScriptPlayer::load(*arguments.script) : Steps();
+    if (const auto* error = std::get_if<ScriptError>(&script))
+        return printed(error->message + u'\n', stderr, 2);
     if (const auto refusal = Startup::open(arguments, conversation))
         return printed(*refusal + u'\n', stderr, 1);
 
-    AgentSession session(conversation, STDIN_FILENO);
+    AgentSession session(conversation, recorder, STDIN_FILENO);
+    if (arguments.script)
+        session.playScript(std::move(std::get<Steps>(script)), QFileInfo(*arguments.script).path());
     int status = 0;
     QObject::connect(&session, &AgentSession::ended, &session,
                      [&](int endStatus, const QString& message) {
@@ -61,5 +73,5 @@ int main(int argc, char** argv)
     }
     ProcessSignals::install();
     const QCoreApplication application(argc, argv);
-    return converse(arguments);
+    return converse(arguments, words);
 }
