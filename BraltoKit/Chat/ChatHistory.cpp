@@ -6,95 +6,185 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
 #include <cstring>
 #include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
 
 namespace Bralto::ChatHistory {
 
 namespace {
 
-/// Goes through a file line by line. A line is a view into the window, with enough readable bytes
-/// behind it to be parsed where it lies.
-class LineWindow {
+constexpr int MostThreads = 4;
+
+/// Reads the lines of a file that begin in one stretch of it, in memory that it keeps for the next
+/// stretch.
+class SegmentReader {
 public:
-    explicit LineWindow(QFile& file)
-        : m_file(file)
+    SegmentReader(const QString& path, qint64 segmentBytes)
+        : m_file(path)
+        , m_segmentBytes(segmentBytes)
     {
-        resize(std::size_t(WindowBytes));
+        m_isOpen = m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
 
-    /// The next line without its line feed, valid until the next call; absent at the end of the
-    /// file and after an error.
-    std::optional<std::string_view> next()
+    /// The lines that begin in the segment at `start`, with their line feeds; at least
+    /// `JsonReader::Padding` readable bytes follow. Valid until the next call; absent if the file
+    /// can't be read.
+    std::optional<std::string_view> read(qint64 start)
     {
-        for (;;) {
-            const char* const begin = m_bytes.get() + m_begin;
-            const char* const end = m_bytes.get() + m_end;
-            const auto* feed = static_cast<const char*>(
-                std::memchr(begin + m_scanned, '\n', std::size_t(end - begin) - m_scanned));
-            if (feed) {
-                m_begin += std::size_t(feed - begin) + 1;
-                m_scanned = 0;
-                return std::string_view(begin, std::size_t(feed - begin));
-            }
-            m_scanned = std::size_t(end - begin);
-            if (!fill())
-                return rest();
+        // A line begins behind a line feed, so the byte before the segment counts.
+        const qint64 from = std::max<qint64>(start - 1, 0);
+        const std::size_t size = std::size_t(start + m_segmentBytes - from);
+        m_size = 0;
+        if (!m_isOpen || !m_file.seek(from) || !fill(size))
+            return std::nullopt;
+        const std::size_t begin = start == 0 ? 0 : behindLineFeed(0);
+        // With no line to finish the bytes behind the segment are the next one's.
+        if (begin >= size || begin >= m_size)
+            return std::string_view();
+        std::size_t end = behindLineFeed(size - 1);
+        while (end == m_size && m_size >= size && m_bytes[m_size - 1] != '\n') {
+            const std::size_t known = m_size;
+            if (!fill(2 * m_size))
+                return std::nullopt;
+            if (m_size == known)
+                break;
+            end = behindLineFeed(known);
         }
+        return std::string_view(m_bytes.get() + begin, end - begin);
     }
-
-    [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
 
 private:
-    void resize(std::size_t capacity)
+    /// Reads on until `size` bytes are there or the file ends. False after an error.
+    bool fill(std::size_t size)
     {
-        // Not a container: the window must not be filled with zeros each time that it grows.
-        auto larger = std::unique_ptr<char[]>(new char[capacity + JsonReader::Padding]);
-        if (m_end > m_begin)
-            std::memcpy(larger.get(), m_bytes.get() + m_begin, m_end - m_begin);
-        m_bytes = std::move(larger);
-        m_end -= m_begin;
-        m_begin = 0;
-        m_capacity = capacity;
-    }
-
-    /// Reads on behind the beginning of a line; false at the end of the file.
-    bool fill()
-    {
-        if (m_begin > 0) {
-            std::memmove(m_bytes.get(), m_bytes.get() + m_begin, m_end - m_begin);
-            m_end -= m_begin;
-            m_begin = 0;
-        } else if (m_end == m_capacity) {
-            resize(2 * m_capacity);
+        reserve(size);
+        while (m_size < size) {
+            const qint64 count = m_file.read(m_bytes.get() + m_size, qint64(size - m_size));
+            if (count <= 0)
+                return count == 0;
+            m_size += std::size_t(count);
         }
-        const qint64 count = m_file.read(m_bytes.get() + m_end, qint64(m_capacity - m_end));
-        m_hasFailed |= count < 0;
-        if (count <= 0)
-            return false;
-        m_end += std::size_t(count);
         return true;
     }
 
-    /// What stands behind the last line feed of the file.
-    std::optional<std::string_view> rest()
+    void reserve(std::size_t capacity)
     {
-        if (m_hasFailed || m_begin == m_end)
-            return std::nullopt;
-        const std::string_view line(m_bytes.get() + m_begin, m_end - m_begin);
-        m_begin = m_end;
-        m_scanned = 0;
-        return line;
+        if (capacity <= m_capacity)
+            return;
+        // No container: it would fill with zeros what is about to be read.
+        std::unique_ptr<char[]> larger(new char[capacity + JsonReader::Padding]);
+        if (m_size > 0)
+            std::memcpy(larger.get(), m_bytes.get(), m_size);
+        m_bytes = std::move(larger);
+        m_capacity = capacity;
     }
 
-    QFile& m_file;
+    /// The position behind the first line feed from `at` on; the end if there is none.
+    [[nodiscard]] std::size_t behindLineFeed(std::size_t at) const
+    {
+        const void* found =
+            at < m_size ? std::memchr(m_bytes.get() + at, '\n', m_size - at) : nullptr;
+        return found ? std::size_t(static_cast<const char*>(found) - m_bytes.get()) + 1 : m_size;
+    }
+
+    QFile m_file;
+    const qint64 m_segmentBytes;
+    bool m_isOpen = false;
     std::unique_ptr<char[]> m_bytes;
     std::size_t m_capacity = 0;
-    std::size_t m_begin = 0;   ///< Where the line that is being looked for begins.
-    std::size_t m_end = 0;     ///< Where what was read ends.
-    std::size_t m_scanned = 0; ///< How many bytes from `m_begin` on hold no line feed.
+    std::size_t m_size = 0;
+};
+
+/// Loads one file. Several threads take its segments one after the other, decode them side by
+/// side, and apply them in the order of the file.
+class Loader {
+public:
+    Loader(QString path, QString home, QDateTime now, qint64 segmentBytes, qint64 fileBytes)
+        : m_path(std::move(path))
+        , m_home(std::move(home))
+        , m_now(std::move(now))
+        , m_segmentBytes(segmentBytes)
+        , m_segments((fileBytes + segmentBytes - 1) / segmentBytes)
+    {
+    }
+
+    std::optional<ChatTranscript> load()
+    {
+        const qint64 threads =
+            std::min<qint64>({m_segments, MostThreads, QThread::idealThreadCount()});
+        std::vector<std::jthread> helpers;
+        try {
+            for (qint64 count = 1; count < threads; ++count)
+                helpers.emplace_back([this] { work(); });
+        } catch (const std::system_error&) {
+            // The system gives no more threads; those that run do the work.
+        }
+        work();
+        helpers.clear();
+        if (m_hasFailed)
+            return std::nullopt;
+        m_transcript.finishTurn();
+        return std::move(m_transcript);
+    }
+
+private:
+    void work()
+    {
+        SegmentReader file(m_path, m_segmentBytes);
+        JsonReader reader;
+        for (qint64 segment = m_next++; segment < m_segments; segment = m_next++) {
+            const auto lines = file.read(segment * m_segmentBytes);
+            const auto events = decode(lines.value_or(std::string_view()), reader);
+
+            std::unique_lock lock(m_mutex);
+            m_turn.wait(lock, [&] { return m_applied == segment; });
+            m_hasFailed |= !lines;
+            for (const ChatEvent& event : events)
+                m_transcript.apply(event);
+            ++m_applied;
+            m_turn.notify_all();
+        }
+    }
+
+    [[nodiscard]] std::vector<ChatEvent> decode(std::string_view lines, JsonReader& reader) const
+    {
+        std::vector<ChatEvent> events;
+        while (!lines.empty()) {
+            const std::size_t end = std::min(lines.find('\n'), lines.size());
+            const std::string_view line = lines.substr(0, end);
+            lines.remove_prefix(std::min(end + 1, lines.size()));
+            if (!mayHoldMessage(line))
+                continue;
+            const auto object = reader.paddedObject(line);
+            if (!object)
+                continue;
+            std::ranges::move(
+                ChatProtocol::events(*object, ChatProtocol::Source::Stored, m_now, m_home),
+                std::back_inserter(events));
+        }
+        return events;
+    }
+
+    const QString m_path;
+    const QString m_home;
+    const QDateTime m_now;
+    const qint64 m_segmentBytes;
+    const qint64 m_segments;
+    std::atomic<qint64> m_next = 0;
+
+    std::mutex m_mutex; ///< Guards what follows while threads run.
+    std::condition_variable m_turn;
+    qint64 m_applied = 0; ///< How many segments are in the transcript.
     bool m_hasFailed = false;
+    ChatTranscript m_transcript;
 };
 
 } // namespace
@@ -126,29 +216,12 @@ bool mayHoldMessage(std::string_view line)
 }
 
 std::optional<ChatTranscript> loadTranscript(const QString& path, const QString& home,
-                                             const QDateTime& now)
+                                             const QDateTime& now, qint64 segmentBytes)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    const QFileInfo file(path);
+    if (!file.isFile() || !file.isReadable())
         return std::nullopt;
-
-    ChatTranscript transcript;
-    JsonReader reader;
-    LineWindow lines(file);
-    while (const auto line = lines.next()) {
-        if (!mayHoldMessage(*line))
-            continue;
-        const auto object = reader.paddedObject(*line);
-        if (!object)
-            continue;
-        for (const ChatEvent& event :
-             ChatProtocol::events(*object, ChatProtocol::Source::Stored, now, home))
-            transcript.apply(event);
-    }
-    if (lines.hasFailed())
-        return std::nullopt;
-    transcript.finishTurn();
-    return transcript;
+    return Loader(path, home, now, segmentBytes, file.size()).load();
 }
 
 } // namespace Bralto::ChatHistory

@@ -2,6 +2,7 @@
 
 #include "Chat/ChatProtocol.h"
 
+#include "Base/Base64.h"
 #include "Base/Paths.h"
 #include "Chat/ChatNumbers.h"
 
@@ -198,9 +199,7 @@ std::optional<ChatImage> image(const JsonObject& block)
         const auto data = source->view("data");
         if (!data)
             return std::nullopt;
-        auto decoded = QByteArray::fromBase64Encoding(
-            QByteArray::fromRawData(data->data(), qsizetype(data->size())),
-            QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
+        auto decoded = Base64::decode(*data);
         if (!decoded)
             return std::nullopt;
         return ChatImage{std::move(*decoded), std::nullopt, source->string("media_type")};

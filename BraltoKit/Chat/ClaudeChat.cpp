@@ -212,6 +212,7 @@ void ClaudeChat::setState(const ChatState& state)
     if (m_state == state)
         return;
     m_state = state;
+    publish();
     emit stateChanged(m_state);
 }
 

@@ -150,7 +150,7 @@ signals:
     void remoteControlChanged();
     void planChanged();
     void agentMissingChanged(bool missing);
-    /// Once for each batch of lines.
+    /// At the end of each batch of lines, and before each change of state within it.
     void transcriptChanged(const Bralto::ChatTranscriptChange& change);
     /// Another conversation took the place of the old one.
     void transcriptReplaced();

@@ -1,8 +1,8 @@
 #include "Platform/ProgramChatHost.h"
 
 #include "Base/PaneEnvironment.h"
+#include "Chat/ChatHistory.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -33,7 +33,9 @@ ProgramChatHost::ProgramChatHost(Defaults defaults, Surroundings surroundings)
 QString ProgramChatHost::baseCommand() const
 {
     const QString key = QLatin1String(CommandKey);
-    auto command = m_defaults.shared.string(key);
+    auto command = m_surroundings.command;
+    if (!command)
+        command = m_defaults.shared.string(key);
     if (!command)
         command = m_defaults.standard.string(key);
     const QString trimmed = command ? command->trimmed() : QString();
@@ -102,18 +104,7 @@ std::optional<QByteArray> ProgramChatHost::readFile(const QString& path) const
 
 std::optional<QString> ProgramChatHost::transcriptPath(const QString& sessionId) const
 {
-    // An id with a separator in it could name a file anywhere.
-    if (sessionId.isEmpty() || sessionId.contains(QLatin1Char('/')))
-        return std::nullopt;
-    const QDir projects(m_surroundings.paths.claudeProjects());
-    const QString name = QLatin1Char('/') + sessionId + QStringLiteral(".jsonl");
-    for (const QString& folder :
-         projects.entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name)) {
-        const QString path = projects.filePath(folder) + name;
-        if (QFileInfo(path).isFile())
-            return path;
-    }
-    return std::nullopt;
+    return ChatHistory::transcriptPath(m_surroundings.paths.claudeProjects(), sessionId);
 }
 
 } // namespace Bralto

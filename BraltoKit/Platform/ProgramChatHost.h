@@ -5,6 +5,8 @@
 #include "Base/LaunchRole.h"
 #include "Chat/ChatHost.h"
 
+#include <optional>
+
 namespace Bralto {
 
 /// What the program gives its conversations: the user's command, the pane's environment, the
@@ -17,6 +19,8 @@ public:
         LaunchRole role;
         QStringList environment; ///< The program's own, "NAME=value".
         bool isDemo = false;
+        /// The agent's command for this run, whatever the user's settings say.
+        std::optional<QString> command = std::nullopt;
     };
 
     /// `defaults` outlives this object.

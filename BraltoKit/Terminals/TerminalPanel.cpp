@@ -2,8 +2,6 @@
 
 #include "Base/Uuid.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <cmath>
 
@@ -74,6 +72,17 @@ TerminalGroup* TerminalPanel::groupOf(const ConsolePane* pane) const
     return found != m_groups.end() ? found->get() : nullptr;
 }
 
+const ConsolePane* TerminalPanel::paneOf(const QString& claudeSessionId) const
+{
+    for (const auto& group : m_groups) {
+        for (const auto& pane : group->panes()) {
+            if (pane->claudeSessionId() == claudeSessionId)
+                return pane.get();
+        }
+    }
+    return nullptr;
+}
+
 // --- opening and hiding
 
 void TerminalPanel::show()
@@ -141,34 +150,44 @@ void TerminalPanel::setMaximized(bool maximized)
 
 void TerminalPanel::addPane(PaneKind kind)
 {
+    insertBesideFocused(makePane(kind, std::nullopt));
+    setVisible(true);
+}
+
+void TerminalPanel::addGroup(PaneKind kind, const std::optional<QString>& folder)
+{
+    append(makePane(kind, folder));
+}
+
+/// A tab of its own at the end.
+void TerminalPanel::append(std::unique_ptr<ConsolePane> pane)
+{
+    const ConsolePane* focused = pane.get();
+    std::vector<std::unique_ptr<ConsolePane>> panes;
+    panes.push_back(std::move(pane));
+    m_groups.push_back(std::make_unique<TerminalGroup>(std::move(panes)));
+    m_activeGroupId = m_groups.back()->id();
+    emit groupsChanged();
+    emit activeGroupChanged();
+    focus(focused);
+}
+
+/// To the right of the active tab's focused pane; without an active tab in one of its own.
+void TerminalPanel::insertBesideFocused(std::unique_ptr<ConsolePane> pane)
+{
     TerminalGroup* group = activeGroup();
     if (!group) {
-        addGroup(kind, std::nullopt);
-        setVisible(true);
+        append(std::move(pane));
         return;
     }
-    auto made = makePane(kind, std::nullopt);
-    const ConsolePane* pane = made.get();
+    const ConsolePane* inserted = pane.get();
     const auto& panes = group->panes();
     const auto focused = std::find_if(panes.begin(), panes.end(), [group](const auto& each) {
         return each->id() == group->focusedPaneId();
     });
     const auto index = focused != panes.end() ? focused - panes.begin() + 1 : std::ssize(panes);
-    group->insert(std::move(made), std::size_t(index));
-    setVisible(true);
-    focus(pane);
-}
-
-void TerminalPanel::addGroup(PaneKind kind, const std::optional<QString>& folder)
-{
-    std::vector<std::unique_ptr<ConsolePane>> panes;
-    panes.push_back(makePane(kind, folder));
-    const ConsolePane* pane = panes.front().get();
-    m_groups.push_back(std::make_unique<TerminalGroup>(std::move(panes)));
-    m_activeGroupId = m_groups.back()->id();
-    emit groupsChanged();
-    emit activeGroupChanged();
-    focus(pane);
+    group->insert(std::move(pane), std::size_t(index));
+    focus(inserted);
 }
 
 void TerminalPanel::newTab(const std::optional<QString>& folder)
@@ -177,19 +196,23 @@ void TerminalPanel::newTab(const std::optional<QString>& folder)
     setVisible(true);
 }
 
+void TerminalPanel::resumeClaude(const QUuid& sessionId)
+{
+    const QString id = sessionId.toString(QUuid::WithoutBraces);
+    if (const ConsolePane* pane = paneOf(id))
+        focus(pane);
+    else
+        insertBesideFocused(std::make_unique<ConsolePane>(m_makeChat(m_directory, id)));
+    setVisible(true);
+}
+
 void TerminalPanel::adoptChats(const QStringList& sessionIds)
 {
-    QSet<QString> held;
-    for (const auto& group : m_groups) {
-        for (const auto& pane : group->panes())
-            held.insert(pane->claudeSessionId());
-    }
     const std::size_t before = m_groups.size();
     for (const QString& each : sessionIds) {
         const QString id = each.toLower();
-        if (held.contains(id) || !parsedUuid(id))
+        if (paneOf(id) || !parsedUuid(id))
             continue;
-        held.insert(id);
         std::vector<std::unique_ptr<ConsolePane>> panes;
         panes.push_back(std::make_unique<ConsolePane>(m_makeChat(m_directory, id)));
         m_groups.push_back(std::make_unique<TerminalGroup>(std::move(panes)));

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QUuid>
 
 #include <functional>
 #include <memory>
@@ -139,6 +140,9 @@ public:
     void addGroup(PaneKind kind, const std::optional<QString>& folder);
     /// As `addGroup`, and the panel opens.
     void newTab(const std::optional<QString>& folder);
+    /// Opens the panel at the pane that holds a stored conversation; without one, at a new pane to
+    /// the right of the focused one.
+    void resumeClaude(const QUuid& sessionId);
     /// A tab for each stored conversation that no pane holds yet; the last one becomes active.
     void adoptChats(const QStringList& sessionIds);
     /// Takes the pane out without ending its conversation. The last pane of a tab takes the tab
@@ -171,6 +175,9 @@ private:
                                                         const std::optional<QString>& folder) const;
     [[nodiscard]] std::optional<std::size_t> indexOf(const TerminalGroup* group) const;
     [[nodiscard]] TerminalGroup* groupOf(const ConsolePane* pane) const;
+    [[nodiscard]] const ConsolePane* paneOf(const QString& claudeSessionId) const;
+    void append(std::unique_ptr<ConsolePane> pane);
+    void insertBesideFocused(std::unique_ptr<ConsolePane> pane);
     void removeEmpty(const TerminalGroup* group);
     void setActiveGroupId(const QString& id);
     void setVisible(bool visible);

@@ -359,6 +359,19 @@ TEST_F(ClaudeChatTest, TellsTheTranscriptsChangeOnceForEachBatch)
     EXPECT_EQ(chat().transcript().messages.size(), 4U);
 }
 
+TEST_F(ClaudeChatTest, TellsWhatTheTurnSaidBeforeItsEnd)
+{
+    working();
+    QStringList told;
+    QObject::connect(&chat(), &ClaudeChat::transcriptChanged, [&told] { told.append("said"); });
+    QObject::connect(&chat(), &ClaudeChat::stateChanged, [&told] { told.append("state"); });
+    QObject::connect(&chat(), &ClaudeChat::turnEnded, [&told] { told.append("ended"); });
+
+    agent().say(AgentLine::assistant("m1", "Done") + '\n' + AgentLine::result() + '\n');
+
+    EXPECT_EQ(told, (QStringList{"said", "state", "ended"}));
+}
+
 TEST_F(ClaudeChatTest, HandsThePlansLimitsOn)
 {
     working();

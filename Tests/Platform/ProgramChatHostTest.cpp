@@ -56,6 +56,15 @@ TEST_F(ProgramChatHostTest, TakesBlanksForNoCommand)
     EXPECT_EQ(host().baseCommand(), "claude --dangerously-skip-permissions --chrome");
 }
 
+TEST_F(ProgramChatHostTest, TakesACommandForThisRunBeforeTheUsers)
+{
+    m_shared.set("claudeCommand", QString("shared"));
+    const ProgramChatHost host({m_shared, m_standard},
+                               {AppPaths(m_home.path()), {}, {}, false, QString("demo")});
+
+    EXPECT_EQ(host.baseCommand(), "demo");
+}
+
 TEST_F(ProgramChatHostTest, FindsAStoredConversationInAnyProject)
 {
     write(".claude/projects/-a/other.jsonl", "");
