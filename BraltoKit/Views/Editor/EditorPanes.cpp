@@ -6,6 +6,7 @@
 #include "Views/Editor/TabBar.h"
 #include "Views/Window/Seam.h"
 #include "Views/Window/Sheet.h"
+#include "Views/Window/WindowFocus.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,9 +47,13 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
 
 QWidget* EditorPanes::makeScreen(const WorkspaceTab& tab)
 {
+    QWidget* screen = nullptr;
     if (tab.document())
-        return new EditorScreen(m_services, tab, m_firstContent);
-    return new PageScreen(m_services, tab, m_firstContent);
+        screen = new EditorScreen(m_services, tab, m_firstContent);
+    else
+        screen = new PageScreen(m_services, tab, m_firstContent);
+    WindowFocus::markTab(*screen, tab.id());
+    return screen;
 }
 
 QWidget* EditorPanes::ensureScreen(const QString& tabId)
