@@ -14,6 +14,7 @@ namespace Bralto {
 
 class JsonArray;
 class JsonObject;
+class JsonWriter;
 
 /// A view of one value in a parsed document; valid as long as the `JsonReader` that gave it holds
 /// that document. Reading never fails: what isn't there, or has another type, is absent.
@@ -68,6 +69,8 @@ public:
     [[nodiscard]] QByteArray compact() const;
     /// This object indented by two blanks, the keys of every object in ascending order.
     [[nodiscard]] QString pretty() const;
+    /// Writes every member but the one named `without` into an object that `writer` has open.
+    void writeMembers(JsonWriter& writer, std::string_view without = {}) const;
 
 private:
     simdjson::dom::object m_object;
@@ -88,8 +91,8 @@ private:
     simdjson::dom::array m_array;
 };
 
-/// Parses one text after another into memory that it keeps for the next. Not to be shared between
-/// threads; a reader on each thread is cheap.
+/// Parses one text after another into memory that it keeps for the next, unless one was
+/// extraordinarily long. Not to be shared between threads; a reader on each thread is cheap.
 class JsonReader {
 public:
     /// The object in `text`, absent if `text` is anything else. Invalid UTF-8 and lone surrogates
@@ -97,9 +100,16 @@ public:
     [[nodiscard]] std::optional<JsonObject> object(std::string_view text);
     [[nodiscard]] std::optional<JsonObject> object(const QByteArray& text);
 
+    /// How many readable bytes behind a text spare the copy of it.
+    static constexpr std::size_t Padding = simdjson::SIMDJSON_PADDING;
+    /// The same for a text with at least `Padding` readable bytes of any value behind it.
+    [[nodiscard]] std::optional<JsonObject> paddedObject(std::string_view text);
+
 private:
+    std::optional<JsonObject> parse(std::string_view text, bool isPadded);
+    void fit(std::size_t size);
+
     simdjson::dom::parser m_parser;
-    QByteArray m_repaired;
 };
 
 } // namespace Bralto

@@ -100,6 +100,12 @@ struct CleanDescription {
 /// The four modes in list order.
 [[nodiscard]] const QList<PermissionMode>& permissionModes();
 
+/// The effort levels of a model that names none, from light to heavy.
+[[nodiscard]] const QStringList& defaultEffortLevels();
+/// A level as the lists show it: "Extra High" for "xhigh".
+[[nodiscard]] QString effortName(const QString& level);
+[[nodiscard]] QString effortDetail(const QString& level);
+
 } // namespace ChatCommands
 
 } // namespace Bralto

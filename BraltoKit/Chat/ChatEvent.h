@@ -53,6 +53,7 @@ struct RateLimits {
 };
 struct StreamStart {
     QString messageId;
+    QDateTime date = {}; ///< When the message began.
     bool operator==(const StreamStart&) const = default;
 };
 struct StreamBlock {

@@ -15,7 +15,7 @@
 #include <QString>
 
 #include <map>
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace Bralto {
@@ -49,21 +49,26 @@ struct ChatSubagent {
 
 /// What an event changed, so that a view looks at nothing else. Changes add up with `merge`.
 struct ChatTranscriptChange {
-    /// Rows of `messages` whose content may differ, ascending, each once.
+    /// Rows of `messages` whose content may differ, ascending, each once; new rows are among them.
     std::vector<std::size_t> messages;
     bool messageList = false; ///< Messages were added or put in front; all indexes may differ.
     bool subagents = false;
     bool status = false;
 
+    /// Adds a row.
+    void touch(std::size_t row);
     void merge(const ChatTranscriptChange& other);
     [[nodiscard]] bool isEmpty() const
     {
         return messages.empty() && !messageList && !subagents && !status;
     }
+
+    bool operator==(const ChatTranscriptChange&) const = default;
 };
 
-/// Changed only by its own functions. Copying is for tests and for history; a view reads a
-/// reference and follows the changes.
+/// Changed only by its own functions. A value: a copy shares its texts with the original and
+/// nothing else. Copying is for tests and for history; a view reads a reference and follows the
+/// changes.
 class ChatTranscript {
 public:
     std::vector<ChatMessage> messages;   ///< What is shown, oldest first; no id twice.
@@ -92,11 +97,46 @@ public:
     void setModel(const QString& model);
 
 private:
-    // The reducer's bookkeeping: see ChatTranscript.cpp.
-    QHash<QString, QList<ChatBlock>> m_finished; ///< Blocks of each message from finished lines.
-    std::map<qint64, ChatBlock> m_partial; ///< Blocks of the message being streamed, by index.
+    struct Child;
+    class Reducer; ///< What each event does: see ChatTranscriptReducer.cpp.
+    struct Place {
+        std::size_t row;
+        qsizetype block;
+    };
+    using Partials = std::map<qint64, ChatBlock>;
+
+    [[nodiscard]] std::optional<std::size_t> rowOf(const QString& messageId) const;
+    [[nodiscard]] std::optional<Place> findCall(const QString& callId);
+    void indexRow(std::size_t row);
+    void appendRow(ChatMessage message, ChatTranscriptChange& change);
+    void ensureMessage(const QString& id, const QDateTime& date, ChatTranscriptChange& change);
+    void rebuild(const QString& id, ChatTranscriptChange& change);
+    [[nodiscard]] Partials::const_iterator firstShownPartial(const QString& id) const;
+    void appendToPartial(Partials::iterator partial, const QString& text,
+                         ChatTranscriptChange& change);
+    [[nodiscard]] QString* shownText(Partials::const_iterator partial);
+    void endStreaming(ChatTranscriptChange& change);
+    void endAllStreaming(ChatTranscriptChange& change);
+    void setOutcome(const QString& callId, ChatToolStatus callStatus,
+                    const std::optional<QString>& text, const QList<ChatImage>* images,
+                    ChatTranscriptChange& change);
+
+    /// Blocks of each message from finished lines, by its id. `messages` shows the same lists as
+    /// long as nothing else is to be shown.
+    QHash<QString, QList<ChatBlock>> m_finished;
+    Partials m_partial; ///< Blocks of the message being streamed, by index.
     std::optional<QString> m_streamingId;
-    std::map<QString, std::shared_ptr<ChatTranscript>> m_children; ///< By tool call id.
+    std::vector<Child> m_children;      ///< One transcript for each subagent that has spoken.
+    QHash<QString, std::size_t> m_rows; ///< Message id to its last row.
+    /// Tool call id to the last row that showed it once; where to look first.
+    QHash<QString, std::size_t> m_callRows;
+    bool m_mayStream = false; ///< False if no message has `isStreaming` set.
+};
+
+/// What a subagent said, by the id of the call that started it.
+struct ChatTranscript::Child {
+    QString toolId;
+    ChatTranscript transcript;
 };
 
 } // namespace Bralto

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QString>
+
+namespace Bralto {
+
+/// Knows whether a folder is there, and is told when it goes or comes back: it watches the folder
+/// while it is there, and while it isn't, the nearest folder above that is. Main thread.
+class FolderPresence final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit FolderPresence(QString folder, QObject* parent = nullptr);
+
+    [[nodiscard]] bool isMissing() const { return m_isMissing; }
+
+    /// Looks at once, for a disk that tells nothing by itself.
+    void check();
+
+signals:
+    void missingChanged(bool missing);
+
+private:
+    /// Moves the watch to what is there now; whether the folder is missing.
+    bool watch();
+
+    QString m_folder;
+    QFileSystemWatcher m_watcher;
+    bool m_isMissing = false;
+};
+
+} // namespace Bralto
