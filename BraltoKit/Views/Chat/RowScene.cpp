@@ -46,8 +46,7 @@ QString wordsOf(const ChatMessage& message)
     return texts.join(QStringLiteral("\n\n"));
 }
 
-double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at,
-                    double width)
+double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at, double width)
 {
     const Tokens& tokens = canvas.tokens();
     const QString key = message.id + QStringLiteral("/turn");
@@ -67,8 +66,7 @@ double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPoint
     double height = inner.text(text, corner, words + 0.5);
     if (!clipped.button.isEmpty())
         height += drawMore(inner, clipped.button, key, corner + QPointF(0, height));
-    const QRectF card(corner.x() - side, at.y(), words + 2 * side,
-                      height + 2 * canvas.u(TurnTop));
+    const QRectF card(corner.x() - side, at.y(), words + 2 * side, height + 2 * canvas.u(TurnTop));
     canvas.fill(card, canvas.u(Measure::CardRadius), tokens.tint);
     canvas.add(inner.take(height));
     return card.height();
@@ -169,8 +167,8 @@ double drawThinking(ChatCanvas& canvas, const ChatThinkingBlock& block, const QS
                    !isOpen});
     }
     if (isOpen) {
-        ChatText text = inner.styled(ChatInline::runs(block.text.trimmed()), TextRole::Body,
-                                     tokens.ink2);
+        ChatText text =
+            inner.styled(ChatInline::runs(block.text.trimmed()), TextRole::Body, tokens.ink2);
         text.separator = QStringLiteral("\n\n");
         const double side = canvas.u(14);
         height += canvas.u(8);

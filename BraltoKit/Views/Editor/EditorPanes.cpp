@@ -23,6 +23,7 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
     , m_second(new Sheet(services.theme, Sheet::On::Frame, this))
     , m_secondContent(new QWidget)
     , m_seam(new Seam(services.theme, Seam::Direction::Sideways, tr("Resize split view"), this))
+    , m_hold(services.motion)
 {
     m_first->setContent(m_firstContent);
     m_second->setContent(m_secondContent);
@@ -32,8 +33,11 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
     connect(&workspace, &Workspace::splitTabChanged, this, &EditorPanes::refresh);
     connect(&workspace, &Workspace::splitFractionChanged, this, &EditorPanes::place);
     connect(&workspace, &Workspace::focusRequested, this, &EditorPanes::focusTab);
-    connect(m_seam, &Seam::dragStarted, this,
-            [this] { m_fractionAtStart = m_services.workspace.splitFraction(); });
+    connect(m_seam, &Seam::dragStarted, this, [this] {
+        m_fractionAtStart = m_services.workspace.splitFraction();
+        m_hold.begin(QStringLiteral("drag split seam"));
+    });
+    connect(m_seam, &Seam::dragEnded, this, [this] { m_hold.end(); });
     connect(m_seam, &Seam::dragged, this, [this](double way) {
         const auto share = WindowLayout::draggedShare(
             m_fractionAtStart, way, width(), Workspace::SmallestSplit, Workspace::LargestSplit);

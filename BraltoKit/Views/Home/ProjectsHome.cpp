@@ -1,12 +1,12 @@
 #include "Views/Home/ProjectsHome.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Home/ProjectRow.h"
 #include "Views/Kit/Field.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/Label.h"
 #include "Views/Kit/Place.h"
 #include "Views/Kit/PopupMenu.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/SlimScrollBar.h"
 #include "Views/Kit/TextButton.h"
 #include "Views/Window/Sheet.h"
@@ -97,7 +97,7 @@ QWidget* ProjectsHome::makeHead()
 
     m_search->setSymbol(QStringLiteral("magnifyingglass"));
     m_search->setPlaceholderText(tr("Search projects"));
-    m_search->setHint(Shortcuts::text(Command::Search));
+    m_search->setHint(Shortcuts::keys(Command::Find));
     m_search->setAccessibleName(tr("Search projects"));
     m_search->setMaximumWidth(Measure::SearchWidth);
     m_search->setMinimumWidth(Measure::ProjectRow);
@@ -106,11 +106,11 @@ QWidget* ProjectsHome::makeHead()
 
     auto* create = headButton(theme(), TextButton::Kind::Primary, tr("New Project"));
     create->setSymbol(QStringLiteral("plus"));
-    create->setTip(tr("New Project"), Shortcuts::text(Command::New));
+    create->setTip(tr("New Project"), Shortcuts::keys(Command::New));
     connect(create, &TextButton::clicked, &workspace, &Workspace::newInFocusedArea);
     row->addWidget(create);
     auto* open = headButton(theme(), TextButton::Kind::Plain, tr("Open Folder"));
-    open->setTip(tr("Open Folder"), Shortcuts::text(Command::Open));
+    open->setTip(tr("Open Folder"), Shortcuts::keys(Command::Open));
     connect(open, &TextButton::clicked, &workspace, &Workspace::presentOpenPanel);
     row->addWidget(open);
     m_more = new IconButton(theme(), Ground::Sheet, QStringLiteral("ellipsis"));
@@ -189,7 +189,7 @@ void ProjectsHome::resizeEvent(QResizeEvent* /*event*/)
 void ProjectsHome::keyPressEvent(QKeyEvent* event)
 {
     const QKeySequence keys(event->keyCombination());
-    if (keys == Shortcuts::sequence(Command::Search) && !m_entries.empty())
+    if (keys == QKeySequence(Shortcuts::keys(Command::Find)) && !m_entries.empty())
         m_search->setFocus(Qt::ShortcutFocusReason);
     else if (event->key() == Qt::Key_Escape && !m_search->text().isEmpty())
         m_search->clear();

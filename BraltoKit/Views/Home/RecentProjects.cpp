@@ -1,21 +1,16 @@
 #include "Views/Home/RecentProjects.h"
 
-#include <QVariantMap>
+#include "Projects/ProjectUse.h"
 
 namespace Bralto::RecentProjects {
 
 std::vector<ProjectEntry> entries(const ViewServices& services)
 {
-    const QVariantMap used = services.defaults.shared.dictionary(QStringLiteral("projectLastUsed"))
-                                 .value_or(QVariantMap());
     std::vector<ProjectEntry> entries;
     for (const QString& folder : services.workspace.recentFolders()) {
         const SpaceTheme space = SpaceStore::load(services.defaults.shared, folder);
-        const QVariant date = used.value(folder);
-        const auto lastUsed = date.metaType().id() == QMetaType::QDateTime
-                                  ? std::optional(date.toDateTime())
-                                  : std::nullopt;
-        entries.push_back({folder, space.displayName(folder), space, lastUsed});
+        entries.push_back({folder, space.displayName(folder), space,
+                           ProjectUse::lastUsed(services.defaults.shared, folder)});
     }
     return entries;
 }

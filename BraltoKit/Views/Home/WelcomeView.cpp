@@ -1,9 +1,9 @@
 #include "Views/Home/WelcomeView.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Home/ProjectRow.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/Place.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/TextButton.h"
 #include "Views/Window/Sheet.h"
 
@@ -30,7 +30,7 @@ WelcomeView::WelcomeView(const ViewServices& services, QWidget* parent)
     m_place->setTitle(tr("Open a folder to start writing."));
     m_place->setText(tr("You can also drop a folder anywhere on this window."));
     auto* open = new TextButton(theme(), TextButton::Kind::Primary, tr("Open Folder"), m_place);
-    open->setTip(tr("Open Folder"), Shortcuts::text(Shortcuts::Command::Open));
+    open->setTip(tr("Open Folder"), Shortcuts::keys(Shortcuts::Command::Open));
     connect(open, &TextButton::clicked, &services.workspace, &Workspace::presentOpenPanel);
     m_place->addButton(open);
     m_list->setFixedWidth(ListWidth);

@@ -2,7 +2,7 @@
 
 #include "Views/Home/ProjectsHome.h"
 #include "Views/Home/WelcomeView.h"
-#include "Views/Kit/Motion.h"
+#include "Views/Kit/Animated.h"
 #include "Views/Sidebar/SidebarView.h"
 #include "Views/Window/DetailView.h"
 #include "Views/Window/Seam.h"
@@ -24,6 +24,7 @@ RootView::RootView(const ViewServices& services, QWidget* parent)
     , m_services(services)
     , m_width(WindowLayout::sidebarWidth(
           services.defaults.standard.number(QString::fromLatin1(WidthKey))))
+    , m_hold(services.motion)
     , m_shown(new Animated(services.theme, Motions::Toggle,
                            services.workspace.isSidebarVisible() ? 1 : 0, this))
 {
@@ -58,7 +59,10 @@ void RootView::buildProject()
     m_sidebar = new SidebarView(m_services, this);
     m_detail = new DetailView(m_services, this);
     m_seam = new Seam(theme(), Seam::Direction::Sideways, tr("Resize sidebar"), this);
-    connect(m_seam, &Seam::dragStarted, this, [this] { m_widthAtStart = m_width; });
+    connect(m_seam, &Seam::dragStarted, this, [this] {
+        m_widthAtStart = m_width;
+        m_hold.begin(QStringLiteral("drag sidebar"));
+    });
     connect(m_seam, &Seam::dragged, this, [this](double way) {
         m_width = WindowLayout::draggedSidebar(m_widthAtStart, way);
         place();

@@ -41,6 +41,7 @@ private:
     WindowLayout::Screen m_screen = WindowLayout::Screen::Home;
     double m_width;
     double m_widthAtStart = 0;
+    ResizeHold m_hold;
     Animated* m_shown; ///< How far the sidebar is out: 0 to 1.
     SidebarView* m_sidebar = nullptr;
     DetailView* m_detail = nullptr;
