@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Expected.h"
+#include "Base/LaunchRole.h"
 
 #include <QString>
 #include <QStringList>
@@ -14,7 +15,10 @@ namespace Bralto::BraltoCommandLine {
 
 /// What the options bring about.
 struct Actions {
-    /// Makes the application of a folder: its bundle, or the system's words why not.
+    /// The same with the real actions and the streams of the process.
+[[nodiscard]] std::optional<int> handle(const QStringList& arguments);
+
+/// Makes the application of a folder: its bundle, or the system's words why not.
     std::function<Expected<QString, QString>(const QString& folder)> installSpace;
     QString version; ///< Of the home application.
 };
@@ -36,7 +40,7 @@ struct Streams {
 [[nodiscard]] std::optional<int> handle(const QStringList& arguments, const Actions& actions,
                                         Streams streams);
 
-/// The same with the real actions and the streams of the process.
-[[nodiscard]] std::optional<int> handle(const QStringList& arguments);
+/// Makes the application of `folder` as this process's part can; see `SpaceApps::install`.
+[[nodiscard]] Expected<QString, QString> installSpace(const LaunchRole& role, const QString& folder);
 
 } // namespace Bralto::BraltoCommandLine

@@ -1,18 +1,16 @@
 #include "Platform/DefaultsFormat.h"
 
+#include "Base/JsonWriter.h"
+
 #include <QDateTime>
 
 #include <simdjson.h>
 
-#include <array>
-#include <charconv>
 #include <string_view>
 
 namespace Bralto::DefaultsFormat {
 
 namespace {
-
-using namespace std::string_view_literals;
 
 constexpr std::string_view DataTag = "$data";
 constexpr std::string_view DateTag = "$date";
@@ -20,109 +18,64 @@ constexpr std::string_view DictionaryTag = "$dictionary";
 
 // Writing
 
-void write(QByteArray& out, const QVariant& value, int depth);
+void write(JsonWriter& out, const QVariant& value);
 
-void writeBreak(QByteArray& out, int depth)
+std::string_view view(const QByteArray& utf8)
 {
-    out.append('\n').append(2 * depth, ' ');
+    return {utf8.constData(), std::size_t(utf8.size())};
 }
 
-void writeString(QByteArray& out, const QByteArray& utf8)
+void writeTagged(JsonWriter& out, std::string_view tag, const QByteArray& text)
 {
-    constexpr char Hex[] = "0123456789abcdef";
-    out.append('"');
-    for (const char byte : utf8) {
-        if (byte == '"' || byte == '\\')
-            out.append('\\').append(byte);
-        else if (byte == '\n')
-            out.append("\\n");
-        else if (uchar(byte) < 0x20)
-            out.append("\\u00").append(Hex[byte >> 4]).append(Hex[byte & 0xF]);
-        else
-            out.append(byte);
-    }
-    out.append('"');
+    out.beginObject();
+    out.member(tag, view(text));
+    out.endObject();
 }
 
-void writeDouble(QByteArray& out, double value)
+void writeList(JsonWriter& out, const QVariantList& list)
 {
-    std::array<char, 32> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-    const std::string_view written(text.data(), std::size_t(end - text.data()));
-    out.append(written.data(), qsizetype(written.size()));
-    if (written.find_first_of(".e") == std::string_view::npos)
-        out.append(".0");
+    out.beginArray();
+    for (const QVariant& element : list)
+        write(out, element);
+    out.endArray();
 }
 
-void writeTagged(QByteArray& out, std::string_view tag, const QByteArray& text)
+void writeMap(JsonWriter& out, const QVariantMap& map)
 {
-    out.append("{\"").append(tag.data(), qsizetype(tag.size())).append("\": ");
-    writeString(out, text);
-    out.append('}');
-}
-
-void writeList(QByteArray& out, const QVariantList& list, int depth)
-{
-    if (list.isEmpty()) {
-        out.append("[]");
-        return;
-    }
-    out.append('[');
-    for (qsizetype index = 0; index < list.size(); ++index) {
-        if (index > 0)
-            out.append(',');
-        writeBreak(out, depth + 1);
-        write(out, list[index], depth + 1);
-    }
-    writeBreak(out, depth);
-    out.append(']');
-}
-
-void writeMap(QByteArray& out, const QVariantMap& map, int depth)
-{
-    if (map.isEmpty()) {
-        out.append("{}");
-        return;
-    }
-    out.append('{');
+    out.beginObject();
     for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
-        if (entry != map.constBegin())
-            out.append(',');
-        writeBreak(out, depth + 1);
-        writeString(out, entry.key().toUtf8());
-        out.append(": ");
-        write(out, entry.value(), depth + 1);
+        out.key(view(entry.key().toUtf8()));
+        write(out, entry.value());
     }
-    writeBreak(out, depth);
-    out.append('}');
+    out.endObject();
 }
 
-void writeDictionary(QByteArray& out, const QVariantMap& map, int depth)
+void writeDictionary(JsonWriter& out, const QVariantMap& map)
 {
     const bool looksTagged = map.size() == 1 && map.firstKey().startsWith(u'$');
+    if (looksTagged) {
+        out.beginObject();
+        out.key(DictionaryTag);
+    }
+    writeMap(out, map);
     if (looksTagged)
-        out.append("{\"")
-            .append(DictionaryTag.data(), qsizetype(DictionaryTag.size()))
-            .append("\": ");
-    writeMap(out, map, depth);
-    if (looksTagged)
-        out.append('}');
+        out.endObject();
 }
 
-void write(QByteArray& out, const QVariant& value, int depth)
+void write(JsonWriter& out, const QVariant& value)
 {
     switch (value.typeId()) {
     case QMetaType::Bool:
-        out.append(value.toBool() ? "true" : "false");
+        out.value(value.toBool());
         break;
     case QMetaType::LongLong:
-        out.append(QByteArray::number(value.toLongLong()));
+        out.value(value.toLongLong());
         break;
     case QMetaType::Double:
-        writeDouble(out, value.toDouble());
+        out.value(value.toDouble());
         break;
     case QMetaType::QString:
-        writeString(out, value.toString().toUtf8());
+        out.value(value.toString());
         break;
     case QMetaType::QByteArray:
         writeTagged(out, DataTag, value.toByteArray().toBase64());
@@ -132,14 +85,14 @@ void write(QByteArray& out, const QVariant& value, int depth)
                     value.toDateTime().toUTC().toString(Qt::ISODateWithMs).toLatin1());
         break;
     case QMetaType::QVariantList:
-        writeList(out, value.toList(), depth);
+        writeList(out, value.toList());
         break;
     case QMetaType::QVariantMap:
-        writeDictionary(out, value.toMap(), depth);
+        writeDictionary(out, value.toMap());
         break;
     default:
         Q_ASSERT_X(false, "DefaultsFormat", "a value that no store accepts");
-        out.append("null");
+        out.null();
     }
 }
 
@@ -245,10 +198,9 @@ QVariant read(element value)
 
 QByteArray encode(const QVariantMap& values)
 {
-    QByteArray out;
-    writeMap(out, values, 0);
-    out.append('\n');
-    return out;
+    JsonWriter out(JsonWriter::Layout::Indented);
+    writeMap(out, values);
+    return out.take() + '\n';
 }
 
 std::optional<QVariantMap> decode(const QByteArray& text)

@@ -1,7 +1,8 @@
 // The stored form of a theme: JSON with its keys in a fixed order.
 #include "Projects/SpaceTheme.h"
 
-#include <QJsonArray>
+#include "Base/JsonWriter.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -18,34 +19,25 @@ constexpr std::array AppearanceNames{"system", "light", "dark"};
 
 // Writing
 
-/// A value alone, as it stands in a document.
-QByteArray text(const QJsonValue& value)
-{
-    return QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact).chopped(1).sliced(1);
-}
+struct IconWriter {
+    JsonWriter& out;
 
-QByteArray text(const SpaceTheme::Icon& icon)
-{
-    struct Writer {
-        QByteArray operator()(const SpaceTheme::Symbol& symbol) const
-        {
-            return R"({"symbol":{"_0":)" + text(symbol.name) + "}}";
-        }
-        QByteArray operator()(const SpaceTheme::Emoji& emoji) const
-        {
-            return R"({"emoji":{"_0":)" + text(emoji.text) + "}}";
-        }
-        QByteArray operator()(SpaceTheme::Mark) const { return R"({"mark":{}})"; }
-        QByteArray operator()(SpaceTheme::Monogram) const { return R"({"monogram":{}})"; }
-    };
-    return std::visit(Writer(), icon);
-}
+    void operator()(const SpaceTheme::Symbol& symbol) const { write("symbol", symbol.name); }
+    void operator()(const SpaceTheme::Emoji& emoji) const { write("emoji", emoji.text); }
+    void operator()(SpaceTheme::Mark) const { write("mark", std::nullopt); }
+    void operator()(SpaceTheme::Monogram) const { write("monogram", std::nullopt); }
 
-QByteArray text(const SpaceTheme::CustomColor& color)
-{
-    return R"({"hue":)" + text(color.hue) + R"(,"saturation":)" + text(color.saturation) +
-           R"(,"brightness":)" + text(color.brightness) + '}';
-}
+    /// An object with one key that names the case.
+    void write(std::string_view name, const std::optional<QString>& payload) const
+    {
+        out.beginObject();
+        out.key(name);
+        out.beginObject();
+        out.member("_0", payload);
+        out.endObject();
+        out.endObject();
+    }
+};
 
 // Reading. Each function fills in what is there and returns false for what is something else.
 
@@ -136,17 +128,25 @@ bool readText(const QJsonValue& value, std::optional<QString>& result)
 
 QByteArray SpaceTheme::encode() const
 {
-    QByteArray json = "{";
-    if (name)
-        json += R"("name":)" + text(*name) + ',';
-    json += R"("icon":)" + text(icon);
-    json += R"(,"color":")" + QByteArray(ColorNames[std::size_t(color)]);
-    json += R"(","appearance":")" + QByteArray(AppearanceNames[std::size_t(appearance)]);
-    json += R"(","intensity":)" + text(intensity);
-    json += R"(,"grain":)" + text(grain);
-    if (customColor)
-        json += R"(,"customColor":)" + text(*customColor);
-    return json + '}';
+    JsonWriter out;
+    out.beginObject();
+    out.member("name", name);
+    out.key("icon");
+    std::visit(IconWriter{out}, icon);
+    out.member("color", ColorNames[std::size_t(color)]);
+    out.member("appearance", AppearanceNames[std::size_t(appearance)]);
+    out.member("intensity", intensity);
+    out.member("grain", grain);
+    if (customColor) {
+        out.key("customColor");
+        out.beginObject();
+        out.member("hue", customColor->hue);
+        out.member("saturation", customColor->saturation);
+        out.member("brightness", customColor->brightness);
+        out.endObject();
+    }
+    out.endObject();
+    return out.take();
 }
 
 std::optional<SpaceTheme> SpaceTheme::decode(const QByteArray& json)

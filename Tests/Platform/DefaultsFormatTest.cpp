@@ -75,12 +75,16 @@ TEST(DefaultsFormat, TheFileIsReadableAndItsKeysStandInOrder)
     };
 
     EXPECT_EQ(DefaultsFormat::encode(values).toStdString(), R"({
-  "a": {"$data": "Zm9v"},
+  "a": {
+    "$data": "Zm9v"
+  },
   "b": [
     1,
     2.0
   ],
-  "c": {"$date": "1970-01-01T00:00:00.000Z"},
+  "c": {
+    "$date": "1970-01-01T00:00:00.000Z"
+  },
   "d": {
     "x": true
   }

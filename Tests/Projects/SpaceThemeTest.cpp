@@ -245,7 +245,7 @@ TEST(SpaceThemeCoding, KeysStandInTheirOrderAndAbsentOnesAreLeftOut)
     theme.customColor = SpaceTheme::CustomColor{0.25, 0.5, 0.75};
     EXPECT_EQ(theme.encode(),
               R"({"name":"A \"name\"","icon":{"symbol":{"_0":"sparkles"}},"color":"slate",)"
-              R"("appearance":"system","intensity":1,"grain":0,)"
+              R"("appearance":"system","intensity":1.0,"grain":0.0,)"
               R"("customColor":{"hue":0.25,"saturation":0.5,"brightness":0.75}})");
 }
 

@@ -114,23 +114,31 @@ double drawNotice(ChatCanvas& canvas, const ChatMessage& message, const QPointF&
 {
     const Tokens& tokens = canvas.tokens();
     const QString key = message.id + QStringLiteral("/notice");
-    const ClippedText clipped = ClippedText::of(ChatNotice::text(wordsOf(message)),
-                                                ChatNotice::FoldedLines, canvas.style().isOn(key));
+    const bool isWhole = canvas.style().isOn(key);
+    const QString words = wordsOf(message);
+    const ChatNotice::Shown shown =
+        ChatNotice::shown(words, isWhole ? ChatNotice::Extent::Whole : ChatNotice::Extent::Folded);
+    const bool canFold = isWhole ? ChatNotice::shown(words).foldedLines > 0 : shown.foldedLines > 0;
     const double icon = canvas.u(Measure::TabIcon);
     const double line = canvas.lineHeight(TextRole::Secondary);
     const double padding = canvas.u(4);
     canvas.symbol({at.x() + 1, at.y() + padding + (line - icon) / 2, icon, icon},
                   QStringLiteral("info.circle"), tokens.ink3);
     ChatText text;
-    text.text = clipped.shown;
+    text.text = shown.text;
     text.role = TextRole::Secondary;
     text.ink = tokens.ink2;
     text.separator = QStringLiteral("\n\n");
     const double left = canvas.u(Measure::RowIcon + IconGap);
     double top = padding;
     top += canvas.text(text, at + QPointF(left, top), width - left);
-    if (!clipped.button.isEmpty())
-        top += drawMore(canvas, clipped.button, key, at + QPointF(left, top));
+    if (canFold) {
+        const qsizetype lines = shown.text.count(u'\n') + 1 + shown.foldedLines;
+        top += drawMore(canvas,
+                        isWhole ? QStringLiteral("Show less")
+                                : QStringLiteral("Show more (%1 lines)").arg(lines),
+                        key, at + QPointF(left, top));
+    }
     return top + padding;
 }
 
