@@ -57,6 +57,8 @@ constexpr std::array Table{
     Entry{ReloadPage,         "Reload Page",               nullptr,                 "Ctrl+R",           "Ctrl+Shift+R"},
     Entry{RevealInFinder,     "Reveal in Finder",          nullptr,                 "Ctrl+Alt+R",       "Ctrl+Alt+R"},
 
+    Entry{Quit,               "Quit Bralto",               nullptr,                 "Ctrl+Q",           "Ctrl+Shift+Q"},
+
     Entry{Copy,               "Copy",                      nullptr,                 "Ctrl+C",           "Ctrl+Shift+C"},
     Entry{Paste,              "Paste",                     nullptr,                 "Ctrl+V",           "Ctrl+Shift+V"},
     Entry{PasteSelection,     "Paste Selection",           nullptr,                 "",                 "Shift+Ins"},

@@ -52,6 +52,8 @@ enum class Command {
     ReloadPage,
     RevealInFinder,
 
+    Quit,
+
     Copy,
     Paste,
     PasteSelection,

@@ -1,6 +1,6 @@
 #include "Browser/BrowserTab.h"
 
-#include <QUuid>
+#include "Base/Uuid.h"
 
 namespace Bralto {
 
@@ -11,7 +11,7 @@ BrowserTab::BrowserTab(QObject* parent)
 
 BrowserTab::BrowserTab(const QUrl& url, QObject* parent)
     : QObject(parent)
-    , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_id(newUuid())
     , m_url(url)
 {
 }

@@ -123,55 +123,56 @@ private:
     }
 };
 
-void writeMessages(JsonWriter& writer, const std::vector<ChatMessage>& messages)
+template <typename Values>
+void writeAll(JsonWriter& writer, std::string_view key, const Values& values)
 {
-    writer.key("messages");
+    writer.key(key);
     writer.beginArray();
-    for (const ChatMessage& message : messages) {
-        writer.beginObject();
-        writer.member("id", message.id);
-        writer.member("role", name(message.role));
-        writer.member("date", text(message.date));
-        if (message.isStreaming)
-            writer.member("isStreaming", true);
-        writer.key("blocks");
-        writer.beginArray();
-        for (const ChatBlock& block : message.blocks) {
-            writer.beginObject();
-            std::visit(BlockWriter{writer}, block);
-            writer.endObject();
-        }
-        writer.endArray();
-        writer.endObject();
-    }
+    for (const auto& value : values)
+        write(writer, value);
     writer.endArray();
 }
 
-void writeSubagents(JsonWriter& writer, const std::vector<ChatSubagent>& subagents)
+} // namespace
+
+void write(JsonWriter& writer, const ChatMessage& message)
 {
-    writer.key("subagents");
+    writer.beginObject();
+    writer.member("id", message.id);
+    writer.member("role", name(message.role));
+    writer.member("date", text(message.date));
+    if (message.isStreaming)
+        writer.member("isStreaming", true);
+    writer.key("blocks");
     writer.beginArray();
-    for (const ChatSubagent& agent : subagents) {
+    for (const ChatBlock& block : message.blocks) {
         writer.beginObject();
-        writer.member("id", agent.id);
-        writer.member("taskId", agent.taskId);
-        writer.member("description", agent.description);
-        writer.member("type", agent.type);
-        writer.member("status", name(agent.status));
-        writer.member("activity", agent.activity);
-        writer.member("toolUses", agent.toolUses);
-        writer.member("tokens", agent.tokens);
-        writer.member("summary", agent.summary);
-        writer.member("isBackground", agent.isBackground);
-        writeMessages(writer, agent.messages);
+        std::visit(BlockWriter{writer}, block);
         writer.endObject();
     }
     writer.endArray();
+    writer.endObject();
 }
 
-void writeStatus(JsonWriter& writer, const ChatSessionInfo& status)
+void write(JsonWriter& writer, const ChatSubagent& agent)
 {
-    writer.key("status");
+    writer.beginObject();
+    writer.member("id", agent.id);
+    writer.member("taskId", agent.taskId);
+    writer.member("description", agent.description);
+    writer.member("type", agent.type);
+    writer.member("status", name(agent.status));
+    writer.member("activity", agent.activity);
+    writer.member("toolUses", agent.toolUses);
+    writer.member("tokens", agent.tokens);
+    writer.member("summary", agent.summary);
+    writer.member("isBackground", agent.isBackground);
+    writeAll(writer, "messages", agent.messages);
+    writer.endObject();
+}
+
+void write(JsonWriter& writer, const ChatSessionInfo& status)
+{
     writer.beginObject();
     writer.member("cliVersion", status.cliVersion);
     writer.member("model", status.model);
@@ -186,15 +187,14 @@ void writeStatus(JsonWriter& writer, const ChatSessionInfo& status)
     writer.endObject();
 }
 
-} // namespace
-
 QByteArray encode(const ChatTranscript& transcript)
 {
     JsonWriter writer(JsonWriter::Layout::Indented);
     writer.beginObject();
-    writeMessages(writer, transcript.messages);
-    writeSubagents(writer, transcript.subagents);
-    writeStatus(writer, transcript.status);
+    writeAll(writer, "messages", transcript.messages);
+    writeAll(writer, "subagents", transcript.subagents);
+    writer.key("status");
+    write(writer, transcript.status);
     writer.endObject();
     return writer.take() + '\n';
 }

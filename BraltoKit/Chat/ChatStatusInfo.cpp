@@ -17,26 +17,12 @@ bool isDate(const QString& part)
            std::all_of(part.begin(), part.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
-struct ModeLabel {
-    const char* mode;
-    const char* name;
-    const char* symbol;
-};
-
-constexpr ModeLabel Modes[] = {
-    {"default", "Ask", "hand.raised"},
-    {"acceptEdits", "Accept Edits", "pencil"},
-    {"plan", "Plan", "map"},
-    {"bypassPermissions", "Bypass", "bolt"},
-};
-
-const ModeLabel* findMode(const QString& mode)
+const PermissionMode* findMode(const QString& mode)
 {
-    for (const ModeLabel& label : Modes) {
-        if (mode == QLatin1String(label.mode))
-            return &label;
-    }
-    return nullptr;
+    const QList<PermissionMode>& modes = ChatCommands::permissionModes();
+    const auto found = std::find_if(modes.begin(), modes.end(),
+                                    [&](const PermissionMode& each) { return each.mode == mode; });
+    return found != modes.end() ? &*found : nullptr;
 }
 
 } // namespace
@@ -99,19 +85,14 @@ QString displayName(const QString& model)
 
 QString modeName(const QString& mode)
 {
-    const ModeLabel* label = findMode(mode);
-    return label != nullptr ? QString::fromLatin1(label->name) : mode;
+    const PermissionMode* known = findMode(mode);
+    return known != nullptr ? known->name : mode;
 }
 
 QString modeSymbol(const QString& mode)
 {
-    const ModeLabel* label = findMode(mode);
-    return QString::fromLatin1(label != nullptr ? label->symbol : "lock");
-}
-
-QString effortName(const QString& level)
-{
-    return level == QLatin1String("xhigh") ? QStringLiteral("Extra High") : capitalised(level);
+    const PermissionMode* known = findMode(mode);
+    return known != nullptr ? known->symbol : QStringLiteral("lock");
 }
 
 QString stateLabel(const ChatState& state)

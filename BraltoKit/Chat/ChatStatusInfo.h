@@ -38,9 +38,6 @@ namespace ChatStatusTexts {
 /// The icon that goes with it.
 [[nodiscard]] QString modeSymbol(const QString& mode);
 
-/// The name of an effort level: a capital first letter, "Extra High" for "xhigh".
-[[nodiscard]] QString effortName(const QString& level);
-
 [[nodiscard]] QString stateLabel(const ChatState& state);
 
 /// "Claude Code 2.1.4", then what else is known: the model, the folder's name.

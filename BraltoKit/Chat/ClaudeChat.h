@@ -14,10 +14,13 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <memory>
+#include <vector>
 
 namespace Bralto {
 
-class ChatErrorLog;
+class AgentOutput;
+class MainThreadDoor;
 
 /// Why a control request failed, already in the user's words.
 struct ChatControlError {
@@ -96,6 +99,8 @@ public:
     [[nodiscard]] const ChatRemoteControl& remoteControl() const { return m_remoteControl; }
     [[nodiscard]] const ChatTranscript& transcript() const { return m_transcript; }
     [[nodiscard]] const std::optional<QString>& plan() const { return m_plan; }
+    /// The last process ended before it said anything because there is no agent on this computer.
+    [[nodiscard]] bool isAgentMissing() const { return m_isAgentMissing; }
     [[nodiscard]] bool isRunning() const;
     [[nodiscard]] qint64 processId() const; ///< 0 without a process.
 
@@ -120,7 +125,7 @@ public:
     void refreshSettings();
 
     /// Sends a control request; `reply` is called once, on the main thread, unless this object is
-    /// destroyed first.
+    /// destroyed first, and never before this returns.
     void control(const QString& subtype, const QVariantMap& fields, std::chrono::seconds timeout,
                  Reply reply);
 
@@ -143,7 +148,9 @@ signals:
     void modelsChanged();
     void chosenModelChanged();
     void remoteControlChanged();
-    /// Once for each batch of lines.
+    void planChanged();
+    void agentMissingChanged(bool missing);
+    /// At the end of each batch of lines, and before each change of state within it.
     void transcriptChanged(const Bralto::ChatTranscriptChange& change);
     /// Another conversation took the place of the old one.
     void transcriptReplaced();
@@ -151,7 +158,78 @@ signals:
     void turnEnded();
 
 private:
-    // Fields and helpers: the implementer's.
+    /// A control request in flight.
+    struct PendingReply {
+        Reply reply;
+        quint64 timeout = 0;
+    };
+    /// A process that was stopped and that somebody waits for.
+    struct Retiring {
+        std::shared_ptr<AgentProcess> process;
+        std::shared_ptr<AgentOutput> output;
+        quint64 timeout = 0;
+        std::function<void()> done;
+    };
+
+    // Launching (ClaudeChatLaunch.cpp)
+    [[nodiscard]] AgentLaunch agentLaunch() const;
+    [[nodiscard]] QStringList agentFlags() const;
+    void write(const QByteArray& line);
+    void takeOutput(int generation, const std::shared_ptr<AgentOutput>& output);
+    void processEnded();
+    void letGoOfProcess();
+    void finishRetiring(const AgentOutput* output);
+    void loadHistory();
+    void takeHistory(int load, std::optional<ChatTranscript> history);
+
+    // Events (ClaudeChatEvents.cpp)
+    void handle(const std::vector<ChatEvent>& events);
+    void take(const ChatEvents::Initialized& event);
+    void take(const ChatEvents::StreamStart& event);
+    void take(const ChatEvents::Assistant& event);
+    void take(const ChatEvents::RateLimits& event);
+    void take(const ChatEvents::Question& event);
+    void take(const ChatEvents::Permission& event);
+    void take(const ChatEvents::UnsupportedRequest& event);
+    void take(const ChatEvents::CancelledRequest& event);
+    void take(const ChatEvents::Result& event);
+    void take(const ChatEvents::Capabilities& event);
+    void take(const ChatEvents::Commands& event);
+    void take(const ChatEvents::RemoteControl& event);
+    void take(const ChatEvents::ControlResponse& event);
+    template <typename Event>
+    void take(const Event& event)
+    {
+        change(m_transcript.apply(event));
+    }
+    void takeActivity(const ChatEvent& event);
+
+    // Control requests and settings (ClaudeChatControl.cpp)
+    void finishReply(const QString& requestId, const Expected<QByteArray, ChatControlError>& reply);
+    void failReplies();
+    void takeSettings(const QByteArray& reply);
+    void takeRemoteControlReply(bool on, const Expected<QByteArray, ChatControlError>& reply);
+    void changeStatus(const std::function<void(ChatSessionInfo&)>& alter);
+
+    // What is observed: compared, then stored, then signalled.
+    void setState(const ChatState& state);
+    void setState(ChatState::Kind kind) { setState(ChatState{kind, {}}); }
+    void setPendingQuestion(std::optional<ChatQuestion> question);
+    void setPendingPermission(std::optional<ChatPermission> permission);
+    void setTitle(const QString& title);
+    void setLoadingHistory(bool loading);
+    void setCommands(const QList<ChatCommand>& commands);
+    void setChosenModel(std::optional<QString> value);
+    void updateRemoteControl(const ChatRemoteControl& remoteControl);
+    void endRemoteControl();
+    void setAgentMissing(bool missing);
+    [[nodiscard]] static QString untitled(); ///< The title before the first turn.
+    [[nodiscard]] static QString newUuid();
+    /// Adds to what `transcriptChanged` will tell, at once or at the end of the batch.
+    void change(const ChatTranscriptChange& change);
+    void publish();
+
+    Services m_services;
     QString m_id;
     QString m_sessionId;
     QString m_folder;
@@ -166,6 +244,21 @@ private:
     std::optional<QString> m_plan;
     ChatRemoteControl m_remoteControl;
     ChatTranscript m_transcript;
+    bool m_isAgentMissing = false;
+
+    std::shared_ptr<MainThreadDoor> m_door;
+    std::shared_ptr<AgentProcess> m_process;
+    std::shared_ptr<AgentOutput> m_output; ///< Of `m_process`.
+    std::vector<Retiring> m_retiring;
+    int m_generation = 0;      ///< Raised by every launch and every stop.
+    int m_historyLoad = 0;     ///< Raised by every load of a stored conversation.
+    QByteArray m_pendingInput; ///< The tool input of the open question.
+    bool m_isInterrupting = false;
+    std::map<QString, PendingReply> m_replies; ///< By request id.
+
+    bool m_isInBatch = false;
+    bool m_turnEnded = false;           ///< In this batch.
+    ChatTranscriptChange m_batchChange; ///< Not told yet.
 };
 
 } // namespace Bralto

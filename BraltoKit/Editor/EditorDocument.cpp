@@ -1,11 +1,11 @@
 #include "Editor/EditorDocument.h"
 
 #include "Base/Paths.h"
+#include "Base/Uuid.h"
 #include "Editor/TextFile.h"
 
 #include <QFileInfo>
 #include <QTextBoundaryFinder>
-#include <QUuid>
 
 namespace Bralto {
 
@@ -26,7 +26,7 @@ std::optional<QDateTime> modificationDate(const QString& path)
 EditorDocument::EditorDocument(const QString& path, Scheduler& scheduler,
                                std::function<bool()> autosaveEnabled, QObject* parent)
     : QObject(parent)
-    , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_id(newUuid())
     , m_path(Paths::standardised(path))
     , m_language(detectLanguage(m_path))
     , m_kind(FileKinds::of(m_path, false))

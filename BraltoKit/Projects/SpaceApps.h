@@ -6,6 +6,7 @@
 #include "Base/Dialogs.h"
 #include "Base/Expected.h"
 #include "Base/LaunchRole.h"
+#include "Projects/RunningApplications.h"
 
 #include <QStringList>
 
@@ -14,8 +15,9 @@ namespace Bralto {
 /// Writes, refreshes, finds and starts the application bundle of each project. Main thread.
 class SpaceApps {
 public:
+    /// The collaborators must outlive this object.
     SpaceApps(LaunchRole role, AppPaths paths, DefaultsStore& shared, Desktop& desktop,
-              Dialogs& dialogs);
+              Dialogs& dialogs, const RunningApplications& running);
 
     /// Where the bundle of `folder` belongs: a name that no other project's bundle claims.
     [[nodiscard]] QString appPath(const QString& folder) const;
@@ -39,11 +41,14 @@ public:
     [[nodiscard]] const LaunchRole& role() const { return m_role; }
 
 private:
+    [[nodiscard]] QByteArray description(const QString& folder, const QString& name) const;
+
     LaunchRole m_role;
     AppPaths m_paths;
     DefaultsStore& m_shared;
     Desktop& m_desktop;
     Dialogs& m_dialogs;
+    const RunningApplications& m_running;
 };
 
 } // namespace Bralto

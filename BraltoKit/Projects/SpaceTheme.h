@@ -51,6 +51,9 @@ struct SpaceTheme {
         double hue = 0; ///< All from 0 to 1.
         double saturation = 0;
         double brightness = 0;
+
+        [[nodiscard]] static CustomColor of(const Rgb& color);
+
         bool operator==(const CustomColor&) const = default;
     };
 

@@ -14,7 +14,7 @@ enum class PaneKind { Shell, Claude, Chat };
 /// What a pane was when the panel was saved.
 struct PaneSnapshot {
     PaneKind kind = PaneKind::Chat;
-    std::optional<QString> claudeSessionId; ///< A UUID; upper case in the file.
+    std::optional<QString> claudeSessionId; ///< A UUID in lower case; upper case in the file.
     QString directory;
     std::optional<QString> scrollback;
     std::optional<QString> name;
@@ -39,7 +39,7 @@ struct PanelSnapshot {
     std::vector<GroupSnapshot> groups;
 
     [[nodiscard]] QByteArray encode() const;
-    /// Absent if a required key is missing or has another type.
+    /// Absent if a required key is missing, if any key has another type, or a kind is unknown.
     [[nodiscard]] static std::optional<PanelSnapshot> decode(const QByteArray& json);
 
     bool operator==(const PanelSnapshot&) const = default;

@@ -8,6 +8,8 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <QUuid>
 
 #include <functional>
 #include <memory>
@@ -21,7 +23,8 @@ class ConsolePane final : public QObject {
     Q_OBJECT
 
 public:
-    explicit ConsolePane(std::unique_ptr<ClaudeChat> chat);
+    explicit ConsolePane(std::unique_ptr<ClaudeChat> chat, std::optional<QString> name = {},
+                         std::optional<QJsonObject> style = {});
     ~ConsolePane() override;
 
     [[nodiscard]] const QString& id() const { return m_id; } ///< A UUID.
@@ -32,6 +35,8 @@ public:
     /// The name trimmed, if that leaves text, else the conversation's title.
     [[nodiscard]] QString label() const;
     [[nodiscard]] QString claudeSessionId() const;
+    /// What the snapshot keeps of the pane. Its style is passed on as it was found.
+    [[nodiscard]] PaneSnapshot snapshot() const;
 
 signals:
     void labelChanged();
@@ -40,6 +45,7 @@ private:
     QString m_id;
     std::unique_ptr<ClaudeChat> m_chat;
     std::optional<QString> m_name;
+    std::optional<QJsonObject> m_style;
 };
 
 /// A tab of the panel: panes from left to right.
@@ -47,7 +53,9 @@ class TerminalGroup final : public QObject {
     Q_OBJECT
 
 public:
-    explicit TerminalGroup(std::vector<std::unique_ptr<ConsolePane>> panes);
+    /// The first pane has the focus.
+    explicit TerminalGroup(std::vector<std::unique_ptr<ConsolePane>> panes,
+                           std::optional<QString> name = {});
     ~TerminalGroup() override;
 
     [[nodiscard]] const QString& id() const { return m_id; } ///< A UUID.
@@ -64,8 +72,13 @@ public:
 
     void setName(const std::optional<QString>& name);
     void setFocusedPaneId(const QString& id);
+    /// Puts the pane at `index`, at most at the end, and gives it the focus.
     void insert(std::unique_ptr<ConsolePane> pane, std::size_t index);
+    /// Takes the pane out; the focus it had goes to its left neighbour. Null if it isn't here.
     std::unique_ptr<ConsolePane> detach(const ConsolePane* pane);
+    /// Where the pane stands; absent if it isn't here. `pane` is compared and never looked into.
+    [[nodiscard]] std::optional<std::size_t> indexOf(const ConsolePane* pane) const;
+    [[nodiscard]] GroupSnapshot snapshot() const;
 
 signals:
     void panesChanged();
@@ -73,13 +86,17 @@ signals:
     void titleChanged();
 
 private:
+    void follow(const ConsolePane* pane);
+
     QString m_id;
     std::vector<std::unique_ptr<ConsolePane>> m_panes;
     QString m_focusedPaneId;
     std::optional<QString> m_name;
 };
 
-/// The panel of one project.
+/// The panel of one project. What is closed lives on until the turn of the event loop is over, so
+/// that a view may close what it shows. An operation on a pane or a group that is no longer here
+/// does nothing.
 class TerminalPanel final : public QObject {
     Q_OBJECT
 
@@ -91,6 +108,7 @@ public:
     static constexpr double SmallestFraction = 0.15;
     static constexpr double LargestFraction = 0.85;
 
+    /// The panel of `directory` as the snapshot has it; without one it is empty and hidden.
     TerminalPanel(QString directory, const std::optional<PanelSnapshot>& snapshot,
                   ChatFactory makeChat);
     ~TerminalPanel() override;
@@ -102,6 +120,7 @@ public:
     }
     [[nodiscard]] TerminalGroup* activeGroup() const; ///< Null if none is active.
     [[nodiscard]] bool isVisible() const { return m_isVisible; }
+    /// The panel takes the editor's place as well; never kept, and over once the panel hides.
     [[nodiscard]] bool isMaximized() const { return m_isMaximized; }
     [[nodiscard]] double editorFraction() const
     {
@@ -115,15 +134,26 @@ public:
     void toggleMaximized();
     void setEditorFraction(double fraction); ///< Clamped.
     void activateGroup(const TerminalGroup* group);
+    /// A new pane to the right of the focused one. `Chat` is the one kind that can be started.
     void addPane(PaneKind kind);
+    /// A new tab at the end, in `folder` or else in the panel's own.
     void addGroup(PaneKind kind, const std::optional<QString>& folder);
+    /// As `addGroup`, and the panel opens.
     void newTab(const std::optional<QString>& folder);
+    /// Opens the panel at the pane that holds a stored conversation; without one, at a new pane to
+    /// the right of the focused one.
+    void resumeClaude(const QUuid& sessionId);
+    /// A tab for each stored conversation that no pane holds yet; the last one becomes active.
     void adoptChats(const QStringList& sessionIds);
+    /// Takes the pane out without ending its conversation. The last pane of a tab takes the tab
+    /// along, the last tab hides the panel.
     void remove(const ConsolePane* pane);
-    void close(const TerminalGroup* group);
-    void close(const ConsolePane* pane);
+    void close(const TerminalGroup* group); ///< Ends every conversation of the tab.
+    void close(const ConsolePane* pane);    ///< Ends the conversation.
     void closeFocused();
+    /// The next tab; with a single tab its next pane. Goes round.
     void cycle(bool forward);
+    /// Makes the pane the focused one of the active tab, in the model only; whether it is here.
     bool markFocused(const ConsolePane* pane);
     void focus(const ConsolePane* pane);
 
@@ -139,6 +169,21 @@ signals:
     void focusReturned();
 
 private:
+    void restore(const PanelSnapshot& snapshot);
+    [[nodiscard]] std::unique_ptr<ConsolePane> restored(const PaneSnapshot& snapshot) const;
+    [[nodiscard]] std::unique_ptr<ConsolePane> makePane(PaneKind kind,
+                                                        const std::optional<QString>& folder) const;
+    [[nodiscard]] std::optional<std::size_t> indexOf(const TerminalGroup* group) const;
+    [[nodiscard]] TerminalGroup* groupOf(const ConsolePane* pane) const;
+    [[nodiscard]] const ConsolePane* paneOf(const QString& claudeSessionId) const;
+    void append(std::unique_ptr<ConsolePane> pane);
+    void insertBesideFocused(std::unique_ptr<ConsolePane> pane);
+    void removeEmpty(const TerminalGroup* group);
+    void setActiveGroupId(const QString& id);
+    void setVisible(bool visible);
+    void setMaximized(bool maximized);
+    void requestFocus();
+
     QString m_directory;
     std::vector<std::unique_ptr<TerminalGroup>> m_groups;
     QString m_activeGroupId;
@@ -146,6 +191,7 @@ private:
     bool m_isMaximized = false;
     double m_editorFraction = 0.5;
     ChatFactory m_makeChat;
+    QString m_requestedFocus; ///< A pane's id; empty while no request is on its way.
 };
 
 } // namespace Bralto

@@ -7,15 +7,19 @@
 #include "Base/Dialogs.h"
 #include "Base/Expected.h"
 #include "Base/Scheduler.h"
+#include "BraltoShared/BraltoLink.h"
 #include "Editor/FileNode.h"
 #include "Projects/SpaceTheme.h"
 #include "Terminals/TerminalPanel.h"
 #include "Workspace/FocusArea.h"
+#include "Workspace/FolderPresence.h"
+#include "Workspace/SessionStore.h"
 #include "Workspace/WorkspaceTab.h"
 
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QThreadPool>
 
 #include <map>
 #include <memory>
@@ -93,6 +97,8 @@ class Workspace final : public QObject {
 public:
     struct Services {
         Defaults defaults;
+        /// The home application's own domain, read by the migration only.
+        const DefaultsStore& legacy;
         AppPaths paths;
         Scheduler& scheduler;
         const Clock& clock;
@@ -109,7 +115,6 @@ public:
 
     enum class RestoreSession { No, Yes };
 
-    static constexpr qsizetype MostRecentFolders = 6;
     static constexpr double SmallestSplit = 0.2;
     static constexpr double LargestSplit = 0.8;
 
@@ -139,7 +144,8 @@ public:
     [[nodiscard]] bool autosaveEnabled() const { return m_autosaveEnabled; }
     [[nodiscard]] TerminalPanel& terminal() const { return *m_terminal; }
     [[nodiscard]] bool canShowPages() const { return m_services.pages == Pages::Available; }
-    /// The project's folder vanished while it was open.
+    /// The project's folder vanished while it was open. Its texts stay, and saving one says why it
+    /// could not be; once the folder is back, everything goes on.
     [[nodiscard]] bool isRootMissing() const;
 
     // Accessors
@@ -154,24 +160,30 @@ public:
     [[nodiscard]] FocusArea focusArea() const;
 
     // Opening
+    /// Opens `files` here if `path` is this project; else the project in its own process.
     void openFolder(const QString& path, const QStringList& files);
+    /// A folder as a project, a file here or in the project of its own folder.
     void open(const QString& path);
     void openFile(const QString& path);
+    /// Leaves the project, which ends its process; `confirmDiscardingChanges` may keep it.
     void closeFolder();
     void presentOpenPanel();
     void rememberRecent(const QString& path);
     void clearRecents();
 
     // Tabs
+    /// Puts a new tab behind the active one and activates it.
     void insert(const WorkspaceTab& tab);
     void insertPage(const QUrl& url); ///< A new page tab; an empty address is a blank one.
     void activate(const WorkspaceTab& tab);
-    void close(const WorkspaceTab& tab);
+    void close(const WorkspaceTab& tab); ///< Asks if the text can't be saved.
     void closeWithoutQuestion(const EditorDocument* document);
     void closeOthers(const WorkspaceTab& tab);
     void selectAdjacentTab(int offset);
     void toggleSplit();
     void openInSplit(const WorkspaceTab& tab);
+    /// The tab that would best stand beside `tab`: the latest used of the other kind, else the
+    /// latest used.
     [[nodiscard]] std::optional<WorkspaceTab> splitPartner(const WorkspaceTab& tab) const;
     void focus(const WorkspaceTab& tab);
 
@@ -181,10 +193,11 @@ public:
     void createFolder(const std::optional<QString>& folder);
     void rename(const QString& path);
     void moveToTrash(const QString& path);
+    /// Copies on another thread, one after the other; the tree follows once a copy is there.
     void duplicate(const QString& path);
     void openInTerminal(const QString& path);
     void copyRelativePath(const QString& path);
-    void refreshTree();
+    void refreshTree(); ///< A new root node; folders are listed again as they are looked at.
     void toggleExpanded(const QString& path);
 
     // Projects
@@ -194,6 +207,9 @@ public:
     enum class StartClaude { No, Yes };
     std::optional<QString> createProject(const QString& name, const QString& parent,
                                          StartClaude startClaude);
+
+    /// Carries out what another process asked for with an address. What it names must exist.
+    void perform(const BraltoLink& link);
 
     // Settings
     void setSidebarSelection(const std::optional<SidebarItem>& item);
@@ -211,14 +227,18 @@ public:
     void saveAll();
     void markUsed();
     void syncWithDisk();
+    /// Saves what is unsaved; whether all of it was, or the user gives up what was not.
     bool confirmDiscardingChanges(const std::vector<EditorDocument*>& documents);
 
     // Others' use
+    /// The panel of a folder, or of the home folder; made from its file when first asked for.
     TerminalPanel& panel(const std::optional<QString>& folder);
     void openConsoleIfNew();
 
 signals:
+    /// The old root lives until every listener has returned.
     void rootChanged();
+    void rootMissingChanged(bool missing);
     void tabsChanged();
     void activeTabChanged();
     void splitTabChanged();
@@ -236,8 +256,29 @@ signals:
     void focusRequested(const QString& tabId);
 
 private:
+    [[nodiscard]] QStringList restoreSession();
+    [[nodiscard]] std::optional<WorkspaceTab> tabFor(const QString& token) const;
+    [[nodiscard]] std::shared_ptr<EditorDocument> makeDocument(const QString& path) const;
+    [[nodiscard]] std::vector<WorkspaceTab> documentTabsAt(const QString& path) const;
+    [[nodiscard]] std::optional<std::size_t> indexOf(const QString& tabId) const;
+
+    void setRoot(const QString& path);
+    void rebuildRoot();
+    void setTerminal(TerminalPanel& panel);
+    void setActiveTabId(const QString& id);
+    void setSplitTabId(const QString& id);
+    void setRecentFolders(const QStringList& folders);
+    void noteUsed(const QString& tabId);
+    void selectTab(const std::optional<WorkspaceTab>& tab);
+    void place(const WorkspaceTab& tab);
+    void saveActiveDocument();
+    void removeTab(const WorkspaceTab& tab);
+    void finishDuplicate(const QString& path, const std::optional<QString>& failure);
+    void report(const QString& title, const QString& text);
+
     Services m_services;
     std::unique_ptr<FileNode> m_root;
+    std::unique_ptr<FolderPresence> m_rootPresence; ///< Null without a root.
     std::vector<WorkspaceTab> m_tabs;
     QString m_activeTabId;
     QString m_splitTabId;
@@ -252,7 +293,9 @@ private:
     bool m_autosaveEnabled = true;
     TerminalPanel* m_terminal = nullptr;
     std::map<QString, std::unique_ptr<TerminalPanel>> m_terminals; ///< By folder path.
-    QStringList m_recentTabIds; ///< Activation order, newest first; not kept.
+    std::unique_ptr<TerminalPanel> m_firstPanel; ///< In front until a project's panel is; not kept.
+    QStringList m_recentTabIds;                  ///< Activation order, newest first; not kept.
+    QThreadPool m_copying;                       ///< One thread, so that no two copies take a name.
 };
 
 } // namespace Bralto

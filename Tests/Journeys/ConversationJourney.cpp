@@ -64,9 +64,9 @@ TEST_F(ConversationJourney, ATurnIsAnsweredAndAWriteIsAllowedByAKey)
     ASSERT_TRUE(DesktopSession::waitFor([&] { return holds(desktop, "assistant", "notes.txt"); }));
     EXPECT_FALSE(QFile::exists(notes)) << "written before it was allowed";
     desktop.picture("permission");
-    // The card may come a moment after the line was stored; the key counts once it is there.
+    // The card may come a moment after the line was stored. Until then Return does nothing.
     ASSERT_TRUE(DesktopSession::waitFor([&] {
-        desktop.press("1");
+        desktop.press("Return");
         return QFile::exists(notes);
     }));
     EXPECT_TRUE(DesktopSession::waitFor(
@@ -144,7 +144,7 @@ TEST_F(ConversationJourney, NothingOfTheAgentOutlivesAKilledProgram)
         return !search.readAllStandardOutput().trimmed().isEmpty();
     };
     ASSERT_TRUE(DesktopSession::waitFor([&] {
-        desktop.press("1");
+        desktop.press("Return");
         return sleeping();
     }));
 

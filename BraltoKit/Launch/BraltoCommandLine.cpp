@@ -1,0 +1,89 @@
+#include "Launch/BraltoCommandLine.h"
+
+namespace Bralto::BraltoCommandLine {
+
+namespace {
+
+constexpr int Success = 0;
+constexpr int Failed = 1;
+constexpr int NotAvailable = 2;
+
+constexpr char Help[] =
+    "Usage: bralto [FILE, FOLDER or ADDRESS…]\n"
+    "       bralto OPTION\n"
+    "\n"
+    "Without an option Bralto opens its window.\n"
+    "\n"
+    "  --install-space FOLDER  make or refresh the application of a project and\n"
+    "                          print where it is\n"
+    "  --mcp                   serve the browser tools on standard input and\n"
+    "                          output; not available in this version\n"
+    "  --render-icon FILE      write the program's icon; not available in this\n"
+    "                          version\n"
+    "  --help                  show this text\n"
+    "  --version               show the version\n";
+
+/// Whether `option` stands anywhere behind the program's own path.
+bool has(const QStringList& arguments, const QString& option)
+{
+    return arguments.indexOf(option, 1) > 0;
+}
+
+/// The argument behind the first occurrence of `option`.
+std::optional<QString> value(const QStringList& arguments, const QString& option)
+{
+    const qsizetype index = arguments.indexOf(option, 1);
+    if (index < 0 || index + 1 >= arguments.size())
+        return std::nullopt;
+    return arguments[index + 1];
+}
+
+int refuse(const QString& option, QTextStream& err)
+{
+    err << "Bralto: " << option << " is not available in this version.\n";
+    err.flush();
+    return NotAvailable;
+}
+
+int install(const QString& folder, const Actions& actions, Streams streams)
+{
+    const auto bundle = actions.installSpace(folder);
+    if (!bundle) {
+        streams.err << QStringLiteral("Couldn’t install the folder app: ") << bundle.error()
+                    << '\n';
+        streams.err.flush();
+        return Failed;
+    }
+    streams.out << *bundle << '\n';
+    streams.out.flush();
+    return Success;
+}
+
+int print(const QString& text, QTextStream& out)
+{
+    out << text;
+    out.flush();
+    return Success;
+}
+
+} // namespace
+
+std::optional<int> handle(const QStringList& arguments, const Actions& actions, Streams streams)
+{
+    const QString mcp = QStringLiteral("--mcp");
+    const QString renderIcon = QStringLiteral("--render-icon");
+
+    if (has(arguments, mcp))
+        return refuse(mcp, streams.err);
+    if (const auto folder = value(arguments, QStringLiteral("--install-space")))
+        return install(*folder, actions, streams);
+    if (value(arguments, renderIcon))
+        return refuse(renderIcon, streams.err);
+    if (has(arguments, QStringLiteral("--help")))
+        return print(QString::fromUtf8(Help), streams.out);
+    if (has(arguments, QStringLiteral("--version")))
+        return print(QStringLiteral("Bralto ") + actions.version + u'\n', streams.out);
+    return std::nullopt;
+}
+
+} // namespace Bralto::BraltoCommandLine

@@ -1,0 +1,110 @@
+#include "Platform/ProgramChatHost.h"
+
+#include "Base/PaneEnvironment.h"
+#include "Chat/ChatHistory.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <utility>
+
+namespace Bralto {
+
+namespace {
+
+constexpr char CommandKey[] = "claudeCommand";
+constexpr char StandardCommand[] = "claude --dangerously-skip-permissions --chrome";
+constexpr qint64 SettingsLimit = 1 << 20; ///< Bytes; no settings file is this large.
+
+bool isProgram(const QString& path)
+{
+    const QFileInfo file(path);
+    return file.isAbsolute() && file.isFile() && file.isExecutable();
+}
+
+} // namespace
+
+ProgramChatHost::ProgramChatHost(Defaults defaults, Surroundings surroundings)
+    : m_defaults(defaults)
+    , m_surroundings(std::move(surroundings))
+{
+}
+
+QString ProgramChatHost::baseCommand() const
+{
+    const QString key = QLatin1String(CommandKey);
+    auto command = m_surroundings.command;
+    if (!command)
+        command = m_defaults.shared.string(key);
+    if (!command)
+        command = m_defaults.standard.string(key);
+    const QString trimmed = command ? command->trimmed() : QString();
+    return trimmed.isEmpty() ? QLatin1String(StandardCommand) : trimmed;
+}
+
+bool ProgramChatHost::hasTranscript(const QString& sessionId) const
+{
+    return transcriptPath(sessionId).has_value();
+}
+
+// The program's own server and what watches the agent from outside come with later modules; until
+// then the agent starts without them and nothing has to be told.
+
+QStringList ProgramChatHost::mcpConfigFlags() const
+{
+    return {};
+}
+
+void ProgramChatHost::installHooks() {}
+
+void ProgramChatHost::clearAttention(const QString&) {}
+
+void ProgramChatHost::ingestRateLimits(const QByteArray&, const QDateTime&) {}
+
+QString ProgramChatHost::shell() const
+{
+    const QString zsh = QStringLiteral("/bin/zsh");
+    if (isProgram(zsh))
+        return zsh;
+    const auto own = PaneEnvironment::value(m_surroundings.environment, QStringLiteral("SHELL"));
+    return own && isProgram(*own) ? *own : QStringLiteral("/bin/sh");
+}
+
+QStringList ProgramChatHost::environment(const QString& pane, const QString& project,
+                                         const QString&) const
+{
+    const LaunchRole& role = m_surroundings.role;
+    PaneEnvironment::Identity identity{pane, project, std::nullopt};
+    if (role.bundlePath.endsWith(QStringLiteral("app")))
+        identity.bundleIdentifier = role.bundleIdentifier;
+    return PaneEnvironment::build(m_surroundings.environment, identity);
+}
+
+bool ProgramChatHost::isDemo() const
+{
+    return m_surroundings.isDemo;
+}
+
+QString ProgramChatHost::home() const
+{
+    return m_surroundings.paths.home();
+}
+
+std::optional<QByteArray> ProgramChatHost::readFile(const QString& path) const
+{
+    QFile file(path);
+    // Only a regular file: a pipe in its place would be waited for.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray contents = file.read(SettingsLimit + 1);
+    if (contents.size() > SettingsLimit || file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    return contents;
+}
+
+std::optional<QString> ProgramChatHost::transcriptPath(const QString& sessionId) const
+{
+    return ChatHistory::transcriptPath(m_surroundings.paths.claudeProjects(), sessionId);
+}
+
+} // namespace Bralto

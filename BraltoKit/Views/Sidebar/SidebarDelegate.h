@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Views/Kit/Theme.h"
+
+#include <QStyledItemDelegate>
+
+namespace Bralto {
+
+class SidebarModel;
+
+/// Paints the rows of the sidebar.
+class SidebarDelegate final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    SidebarDelegate(Theme& theme, const SidebarModel& model, QObject* parent);
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+
+    /// Where the close button of an open row lies.
+    [[nodiscard]] static QRect closeButton(const QRect& row);
+
+private:
+    struct Paint;
+    void paintOpenTab(const Paint& paint) const;
+    void paintNode(const Paint& paint) const;
+
+    Theme& m_theme;
+    const SidebarModel& m_model;
+};
+
+} // namespace Bralto

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Base/Clock.h"
+#include "Base/DefaultsStore.h"
+#include "Base/Desktop.h"
+#include "Base/Motion.h"
+#include "Base/Zoom.h"
+#include "Views/Kit/Theme.h"
+#include "Views/Window/WindowLayout.h"
+#include "Workspace/Workspace.h"
+
+#include <functional>
+
+class QWidget;
+
+namespace Bralto {
+
+class ConsolePane;
+
+/// What the views of one window are made with. Everything outlives them.
+struct ViewServices {
+    Workspace& workspace;
+    Theme& theme;
+    Desktop& desktop;
+    Defaults defaults;
+    const Clock& clock;
+    Motion& motion;
+    Zoom& zoom;
+    WindowLayout::Role role = WindowLayout::Role::HomeApplication;
+    /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`.
+    std::function<QWidget*(ConsolePane&)> makePane;
+};
+
+} // namespace Bralto
