@@ -97,7 +97,7 @@ TEST_F(DemoReplay, RequestsThatTheRecordingLacksAreAnsweredAsUsual)
         {"--script", agent.write("test.script", "replay " BRALTO_FIXTURES "/Agent/text.ndjson")});
 
     EXPECT_EQ(agent.control("get_settings")["subtype"], "success");
-    EXPECT_EQ(agent.control("initialize")["response"]["claude_code_version"], "2.1.329");
+    EXPECT_EQ(agent.control("initialize")["response"].toObject()["claude_code_version"], "2.1.329");
 }
 
 TEST_F(DemoReplay, TheEndOfTheInputInTheMiddleEndsIt)

@@ -75,7 +75,13 @@ public:
         ASSERT_TRUE(m_process.waitForStarted());
     }
 
-    void sendBytes(const QByteArray& bytes) { m_process.write(bytes); }
+    /// On return the bytes are in the pipe, so a test may wait for their effect without QProcess.
+    void sendBytes(const QByteArray& bytes)
+    {
+        m_process.write(bytes);
+        while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(5000)) {
+        }
+    }
     void send(const QJsonObject& line)
     {
         sendBytes(QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n');

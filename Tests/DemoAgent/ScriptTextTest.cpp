@@ -1,4 +1,6 @@
-#include "DemoAgent/Script/ScriptText.h"
+#include "DemoAgent/Script/ScriptPlayer.h"
+
+#include <QDir>
 
 #include <gtest/gtest.h>
 
@@ -80,4 +82,16 @@ TEST(ScriptText, EscapesBecomeBytes)
     EXPECT_EQ(ScriptText::unescaped("a\\nb\\tc\\\\n"), "a\nb\tc\\n");
     EXPECT_EQ(ScriptText::unescaped("\\xff\\x00z"), QByteArray("\xff\0z", 3));
     EXPECT_EQ(ScriptText::unescaped(QString::fromUtf8("ü\\q\\")), QByteArray("ü\\q\\"));
+}
+
+TEST(ScriptText, TheReadyScriptsAreWithoutMistakes)
+{
+    const QFileInfoList scripts = QDir(BRALTO_FIXTURES "/Scripts").entryInfoList({"*.script"});
+
+    EXPECT_GT(scripts.size(), 30);
+    for (const QFileInfo& script : scripts) {
+        const auto result = ScriptPlayer::load(script.filePath());
+        const auto* error = std::get_if<ScriptError>(&result);
+        EXPECT_FALSE(error) << (error ? error->message.toStdString() : "");
+    }
 }
