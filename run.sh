@@ -31,7 +31,7 @@ while [ $# -gt 0 ]; do
 done
 
 install_packages
-build_preset release Bralto BraltoDesktop bralto-demo-agent >build.log 2>&1 || { cat build.log >&2; exit 1; }
+build_preset release Bralto BraltoDesktop BundledDemoAgent >build.log 2>&1 || { cat build.log >&2; exit 1; }
 rm -f build.log
 
 program=$PWD/build/release/Bralto.app/Contents/MacOS/Bralto

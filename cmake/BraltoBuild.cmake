@@ -17,7 +17,7 @@ find_program(CCACHE ccache)
 if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
-add_link_options(-fuse-ld=lld)
+add_link_options(-fuse-ld=lld -Wl,--as-needed)
 
 if(BRALTO_SANITIZE)
     add_compile_options(-fsanitize=${BRALTO_SANITIZE} -fno-omit-frame-pointer)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Expected.h"
+#include "Base/LaunchRole.h"
 
 #include <QString>
 #include <QStringList>
@@ -38,5 +39,9 @@ struct Streams {
 
 /// The same with the real actions and the streams of the process.
 [[nodiscard]] std::optional<int> handle(const QStringList& arguments);
+
+/// Makes the application of `folder` as this process's part can; see `SpaceApps::install`.
+[[nodiscard]] Expected<QString, QString> installSpace(const LaunchRole& role,
+                                                      const QString& folder);
 
 } // namespace Bralto::BraltoCommandLine

@@ -7,6 +7,7 @@
 #include "Platform/SessionApplications.h"
 #include "Platform/SystemDesktop.h"
 #include "Projects/SpaceApps.h"
+#include "Workspace/SharedMigration.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -25,6 +26,8 @@ public:
     std::optional<QString> openFileOrFolder() override { return std::nullopt; }
 };
 
+} // namespace
+
 Expected<QString, QString> installSpace(const LaunchRole& role, const QString& folder)
 {
     // The session bus wants an application object; nothing here runs its event loop.
@@ -35,14 +38,14 @@ Expected<QString, QString> installSpace(const LaunchRole& role, const QString& f
     const QDBusConnection bus = QDBusConnection::sessionBus();
     const AppPaths paths = AppPaths::current();
     const ProcessDefaults defaults(paths, role);
+    // A new user is told from an old one before the first trace is left.
+    SharedMigration::migrateIfNeeded(defaults.defaults().shared, defaults.defaults().standard);
     SystemDesktop desktop(bus, [](const QString&) {});
     NoDialogs dialogs;
     const SessionApplications running(bus, SessionApplications::defaultRuntimeFolder(paths));
     SpaceApps apps(role, paths, defaults.defaults().shared, desktop, dialogs, running);
     return apps.install(folder, SpaceApps::WhileRunning::No);
 }
-
-} // namespace
 
 std::optional<int> handle(const QStringList& arguments)
 {

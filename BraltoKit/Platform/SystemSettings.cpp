@@ -56,12 +56,14 @@ SystemSettings::SystemSettings(QObject* parent)
 
 void SystemSettings::read(const QString& group, const QString& key)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(Service), QLatin1String(Path),
-                                                       QLatin1String(Interface), QStringLiteral("Read"));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(QLatin1String(Service), QLatin1String(Path),
+                                       QLatin1String(Interface), QStringLiteral("Read"));
     call << group << key;
     // A portal is not started for the sake of a colour.
     call.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    auto* watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
         const QDBusPendingReply<QDBusVariant> reply = *watcher;
         if (!reply.isError())

@@ -2,6 +2,7 @@
 
 #include "Base/Paths.h"
 #include "Projects/ProjectUse.h"
+#include "Projects/RecentFolders.h"
 #include "Terminals/TerminalStore.h"
 #include "Workspace/SharedMigration.h"
 
@@ -19,15 +20,6 @@ constexpr auto SplitFractionKey = "splitFraction";
 constexpr auto SidebarVisibleKey = "sidebarVisible";
 constexpr auto ShowHiddenFilesKey = "showHiddenFiles";
 constexpr auto AutosaveKey = "autosave";
-constexpr auto RecentFoldersKey = "recentFolders";
-
-QStringList storedRecentFolders(const DefaultsStore& shared)
-{
-    QStringList folders = shared.strings(RecentFoldersKey).value_or(QStringList());
-    folders.removeIf([](const QString& path) { return !QFileInfo::exists(path); });
-    return folders.first(std::min(folders.size(), Workspace::MostRecentFolders));
-}
-
 double clampedSplit(double fraction)
 {
     return std::clamp(fraction, Workspace::SmallestSplit, Workspace::LargestSplit);
@@ -51,11 +43,11 @@ Workspace::Workspace(Services services, RestoreSession restore, QObject* parent)
     m_terminal = m_firstPanel.get();
     m_showHiddenFiles = shared.boolean(ShowHiddenFilesKey).value_or(false);
     m_autosaveEnabled = shared.boolean(AutosaveKey).value_or(true);
-    m_recentFolders = storedRecentFolders(shared);
+    m_recentFolders = RecentFolders::load(shared);
     // Another process may open a project, and its list must not be overwritten with an older one.
     connect(&shared, &DefaultsStore::changed, this, [this](const QString& key) {
-        if (key == QLatin1String(RecentFoldersKey))
-            setRecentFolders(storedRecentFolders(m_services.defaults.shared));
+        if (key == QLatin1String(RecentFolders::Key))
+            setRecentFolders(RecentFolders::load(m_services.defaults.shared));
     });
     if (restore == RestoreSession::No)
         return;
@@ -244,17 +236,14 @@ void Workspace::rememberRecent(const QString& path)
     const QString folder = Paths::standardised(path);
     DefaultsStore& shared = m_services.defaults.shared;
     ProjectUse::markUsed(shared, folder, m_services.clock.now());
-    QStringList folders = m_recentFolders;
-    folders.removeAll(folder);
-    folders.prepend(folder);
-    folders = folders.first(std::min(folders.size(), MostRecentFolders));
+    const QStringList folders = RecentFolders::remembering(m_recentFolders, folder);
     setRecentFolders(folders);
-    shared.setStrings(RecentFoldersKey, folders);
+    shared.setStrings(RecentFolders::Key, folders);
 }
 
 void Workspace::clearRecents()
 {
-    m_services.defaults.shared.remove(RecentFoldersKey);
+    m_services.defaults.shared.remove(RecentFolders::Key);
     setRecentFolders({});
 }
 

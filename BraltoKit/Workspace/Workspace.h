@@ -115,7 +115,6 @@ public:
 
     enum class RestoreSession { No, Yes };
 
-    static constexpr qsizetype MostRecentFolders = 6;
     static constexpr double SmallestSplit = 0.2;
     static constexpr double LargestSplit = 0.8;
 

@@ -224,7 +224,8 @@ ChatText ChatCanvas::styled(const std::vector<InlineRun>& runs, TextRole role,
                     wide.setForeground(tokens().accentInk);
                 text.formats.append(range(position, 1, wide));
             };
-            if (start > 0 && text.text[start - 1] != u'\n' && !text.text[start - 1].isLowSurrogate())
+            if (start > 0 && text.text[start - 1] != u'\n' &&
+                !text.text[start - 1].isLowSurrogate())
                 widen(start - 1, before);
             if (!text.text.back().isLowSurrogate())
                 widen(text.text.size() - 1, runFace);

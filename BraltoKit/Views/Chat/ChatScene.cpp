@@ -80,8 +80,7 @@ int nearestText(const ChatScene& scene, const QPointF& point)
         const QRectF rect = bounds(text);
         const double above = std::max(0.0, rect.top() - point.y());
         const double below = std::max(0.0, point.y() - rect.bottom());
-        const double aside =
-            std::max({0.0, rect.left() - point.x(), point.x() - rect.right()});
+        const double aside = std::max({0.0, rect.left() - point.x(), point.x() - rect.right()});
         // A line's height counts more than its ends, so that a drag beside a text selects in it.
         const double cost = (above + below) * 1000 + aside;
         if (best < 0 || cost < distance) {

@@ -15,8 +15,7 @@ constexpr double SymbolGap = 5;
 /// A text of many lines is laid out in pieces, so that painting and a growing end touch one only.
 constexpr qsizetype LinesOfAPiece = 64;
 
-void drawCopyButton(ChatCanvas& canvas, const QRectF& head, const QString& key,
-                    const QString& code)
+void drawCopyButton(ChatCanvas& canvas, const QRectF& head, const QString& key, const QString& code)
 {
     const bool isCopied = canvas.style().isOn && canvas.style().isOn(key);
     const QString words = isCopied ? QStringLiteral("Copied") : QStringLiteral("Copy");
@@ -26,12 +25,10 @@ void drawCopyButton(ChatCanvas& canvas, const QRectF& head, const QString& key,
     const double left = head.right() - canvas.u(Padding) - text;
     canvas.line(TextRole::CaptionMedium, ink, words, {left, head.top(), text, head.height()});
     canvas.symbol({left - canvas.u(SymbolGap) - icon, head.center().y() - icon / 2, icon, icon},
-                  isCopied ? QStringLiteral("checkmark") : QStringLiteral("square.on.square"),
-                  ink);
+                  isCopied ? QStringLiteral("checkmark") : QStringLiteral("square.on.square"), ink);
     const double reach = canvas.u(6);
     canvas.hot({QRectF(left - canvas.u(SymbolGap) - icon - reach, head.top() + canvas.u(3),
-                       icon + canvas.u(SymbolGap) + text + 2 * reach,
-                       head.height() - canvas.u(6)),
+                       icon + canvas.u(SymbolGap) + text + 2 * reach, head.height() - canvas.u(6)),
                 {ChatAction::Kind::CopyText, key, code},
                 words,
                 double(Measure::ControlRadius)});
@@ -42,18 +39,42 @@ void drawCopyButton(ChatCanvas& canvas, const QRectF& head, const QString& key,
 QString label(const std::optional<QString>& language)
 {
     static const QHash<QString, QString> Names{
-        {"js", "JavaScript"}, {"javascript", "JavaScript"}, {"jsx", "JavaScript"},
-        {"ts", "TypeScript"}, {"typescript", "TypeScript"}, {"tsx", "TypeScript"},
-        {"py", "Python"},     {"python", "Python"},         {"json", "JSON"},
-        {"html", "HTML"},     {"css", "CSS"},               {"xml", "XML"},
-        {"yaml", "YAML"},     {"yml", "YAML"},              {"toml", "TOML"},
-        {"sql", "SQL"},       {"cpp", "C++"},               {"c++", "C++"},
-        {"cc", "C++"},        {"hpp", "C++"},               {"c", "C"},
-        {"h", "C"},           {"objc", "Objective-C"},      {"cs", "C#"},
-        {"sh", "Shell"},      {"bash", "Shell"},            {"zsh", "Shell"},
-        {"shell", "Shell"},   {"md", "Markdown"},           {"rb", "Ruby"},
-        {"rs", "Rust"},       {"go", "Go"},                 {"cmake", "CMake"},
-        {"diff", "Difference"}, {"php", "PHP"},             {"svg", "SVG"},
+        {"js", "JavaScript"},
+        {"javascript", "JavaScript"},
+        {"jsx", "JavaScript"},
+        {"ts", "TypeScript"},
+        {"typescript", "TypeScript"},
+        {"tsx", "TypeScript"},
+        {"py", "Python"},
+        {"python", "Python"},
+        {"json", "JSON"},
+        {"html", "HTML"},
+        {"css", "CSS"},
+        {"xml", "XML"},
+        {"yaml", "YAML"},
+        {"yml", "YAML"},
+        {"toml", "TOML"},
+        {"sql", "SQL"},
+        {"cpp", "C++"},
+        {"c++", "C++"},
+        {"cc", "C++"},
+        {"hpp", "C++"},
+        {"c", "C"},
+        {"h", "C"},
+        {"objc", "Objective-C"},
+        {"cs", "C#"},
+        {"sh", "Shell"},
+        {"bash", "Shell"},
+        {"zsh", "Shell"},
+        {"shell", "Shell"},
+        {"md", "Markdown"},
+        {"rb", "Ruby"},
+        {"rs", "Rust"},
+        {"go", "Go"},
+        {"cmake", "CMake"},
+        {"diff", "Difference"},
+        {"php", "PHP"},
+        {"svg", "SVG"},
     };
     if (!language)
         return QStringLiteral("Code");

@@ -15,8 +15,8 @@ double drawNote(ChatCanvas& canvas, const QString& symbol, const QString& words,
                 const QString& name, const QPointF& at, double width)
 {
     const Tokens& tokens = canvas.tokens();
-    const QRectF card(at, QSizeF(std::min(width, canvas.u(WidestThumbnail)),
-                                 canvas.u(FailedHeight)));
+    const QRectF card(at,
+                      QSizeF(std::min(width, canvas.u(WidestThumbnail)), canvas.u(FailedHeight)));
     canvas.fill(card, canvas.u(Measure::CardRadius), tokens.raised, tokens.separator);
     const double icon = canvas.u(Measure::RowIcon);
     const QRectF row = card.adjusted(canvas.u(Side), 0, -canvas.u(Side), 0);
@@ -82,8 +82,10 @@ double draw(ChatCanvas& canvas, const ChatImage& image, const QString& key, cons
     if (picture.state == ChatPicture::State::Ready) {
         canvas.symbol({row.right() - icon, row.center().y() - icon / 2, icon, icon},
                       QStringLiteral("arrow.up.left.and.arrow.down.right"), tokens.ink2);
-        canvas.hot({card, {ChatAction::Kind::ShowImage, key, {}},
-                    QStringLiteral("Image ") + name, radius});
+        canvas.hot({card,
+                    {ChatAction::Kind::ShowImage, key, {}},
+                    QStringLiteral("Image ") + name,
+                    radius});
     }
     return card.height();
 }

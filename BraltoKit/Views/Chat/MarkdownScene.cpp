@@ -144,8 +144,8 @@ double drawAll(ChatCanvas& canvas, const QString& text, const QPointF& at, doubl
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         if (i > 0)
             top += canvas.u(gap(blocks[i - 1], blocks[i]));
-        top += draw(canvas, blocks[i], at + QPointF(0, top), width,
-                    key + u'/' + QString::number(i), ink);
+        top += draw(canvas, blocks[i], at + QPointF(0, top), width, key + u'/' + QString::number(i),
+                    ink);
     }
     return top;
 }

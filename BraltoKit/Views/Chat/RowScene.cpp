@@ -46,8 +46,7 @@ QString wordsOf(const ChatMessage& message)
     return texts.join(QStringLiteral("\n\n"));
 }
 
-double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at,
-                    double width)
+double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at, double width)
 {
     const Tokens& tokens = canvas.tokens();
     const QString key = message.id + QStringLiteral("/turn");
@@ -67,8 +66,7 @@ double drawTurnText(ChatCanvas& canvas, const ChatMessage& message, const QPoint
     double height = inner.text(text, corner, words + 0.5);
     if (!clipped.button.isEmpty())
         height += drawMore(inner, clipped.button, key, corner + QPointF(0, height));
-    const QRectF card(corner.x() - side, at.y(), words + 2 * side,
-                      height + 2 * canvas.u(TurnTop));
+    const QRectF card(corner.x() - side, at.y(), words + 2 * side, height + 2 * canvas.u(TurnTop));
     canvas.fill(card, canvas.u(Measure::CardRadius), tokens.tint);
     canvas.add(inner.take(height));
     return card.height();
@@ -116,23 +114,31 @@ double drawNotice(ChatCanvas& canvas, const ChatMessage& message, const QPointF&
 {
     const Tokens& tokens = canvas.tokens();
     const QString key = message.id + QStringLiteral("/notice");
-    const ClippedText clipped = ClippedText::of(ChatNotice::text(wordsOf(message)),
-                                                ChatNotice::FoldedLines, canvas.style().isOn(key));
+    const bool isWhole = canvas.style().isOn(key);
+    const QString words = wordsOf(message);
+    const ChatNotice::Shown shown =
+        ChatNotice::shown(words, isWhole ? ChatNotice::Extent::Whole : ChatNotice::Extent::Folded);
+    const bool canFold = isWhole ? ChatNotice::shown(words).foldedLines > 0 : shown.foldedLines > 0;
     const double icon = canvas.u(Measure::TabIcon);
     const double line = canvas.lineHeight(TextRole::Secondary);
     const double padding = canvas.u(4);
     canvas.symbol({at.x() + 1, at.y() + padding + (line - icon) / 2, icon, icon},
                   QStringLiteral("info.circle"), tokens.ink3);
     ChatText text;
-    text.text = clipped.shown;
+    text.text = shown.text;
     text.role = TextRole::Secondary;
     text.ink = tokens.ink2;
     text.separator = QStringLiteral("\n\n");
     const double left = canvas.u(Measure::RowIcon + IconGap);
     double top = padding;
     top += canvas.text(text, at + QPointF(left, top), width - left);
-    if (!clipped.button.isEmpty())
-        top += drawMore(canvas, clipped.button, key, at + QPointF(left, top));
+    if (canFold) {
+        const qsizetype lines = shown.text.count(u'\n') + 1 + shown.foldedLines;
+        top += drawMore(canvas,
+                        isWhole ? QStringLiteral("Show less")
+                                : QStringLiteral("Show more (%1 lines)").arg(lines),
+                        key, at + QPointF(left, top));
+    }
     return top + padding;
 }
 
@@ -169,8 +175,8 @@ double drawThinking(ChatCanvas& canvas, const ChatThinkingBlock& block, const QS
                    !isOpen});
     }
     if (isOpen) {
-        ChatText text = inner.styled(ChatInline::runs(block.text.trimmed()), TextRole::Body,
-                                     tokens.ink2);
+        ChatText text =
+            inner.styled(ChatInline::runs(block.text.trimmed()), TextRole::Body, tokens.ink2);
         text.separator = QStringLiteral("\n\n");
         const double side = canvas.u(14);
         height += canvas.u(8);

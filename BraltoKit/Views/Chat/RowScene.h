@@ -16,8 +16,7 @@ double drawUserTurn(ChatCanvas& canvas, const ChatMessage& message, const QPoint
                     double width);
 
 /// A line of the agent's program or of our own; a long one is folded.
-double drawNotice(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at,
-                  double width);
+double drawNotice(ChatCanvas& canvas, const ChatMessage& message, const QPointF& at, double width);
 
 /// What the agent thought, folded until `block.id` is open.
 double drawThinking(ChatCanvas& canvas, const ChatThinkingBlock& block, const QString& title,

@@ -80,8 +80,9 @@ private:
             double indent = 0;
             if (m_isNumeric[std::size_t(column)])
                 indent = std::max(0.0, space - canvas.naturalWidth(text));
-            height = std::max(height, canvas.text(text, at + QPointF(left + indent, canvas.u(padding)),
-                                                  space - indent + 1));
+            height =
+                std::max(height, canvas.text(text, at + QPointF(left + indent, canvas.u(padding)),
+                                             space - indent + 1));
             left += m_widths[std::size_t(column)];
         }
         return height + 2 * canvas.u(padding);
@@ -159,8 +160,8 @@ bool isNumeric(const MarkdownBlocks::Table& table, qsizetype column)
     return hasNumber;
 }
 
-double draw(ChatCanvas& canvas, const MarkdownBlocks::Table& table, const QPointF& at,
-            double width, const QColor& ink)
+double draw(ChatCanvas& canvas, const MarkdownBlocks::Table& table, const QPointF& at, double width,
+            const QColor& ink)
 {
     return TableDrawing(canvas, table, ink).draw(at, width);
 }

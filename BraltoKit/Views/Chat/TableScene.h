@@ -6,8 +6,8 @@
 namespace Bralto::TableScene {
 
 /// A table in a frame, as wide as the column; its height.
-double draw(ChatCanvas& canvas, const MarkdownBlocks::Table& table, const QPointF& at,
-            double width, const QColor& ink);
+double draw(ChatCanvas& canvas, const MarkdownBlocks::Table& table, const QPointF& at, double width,
+            const QColor& ink);
 
 /// How `available` is shared among columns that would like `wanted`: what is left over goes to all
 /// in proportion; if it is too little, the narrow ones keep theirs.

@@ -141,10 +141,9 @@ double draw(ChatCanvas& canvas, const ChatToolCall& call, const QPointF& at, dou
         top += drawTexts(canvas, call, at + QPointF(0, top), width);
     for (qsizetype i = 0; i < call.resultImages.size(); ++i) {
         top += canvas.u(Top);
-        top += ImageScene::draw(canvas, call.resultImages[i],
-                                call.id + QStringLiteral("/image-") + QString::number(i),
-                                at + QPointF(canvas.u(Side), top), width - 2 * canvas.u(Side),
-                                PictureHeight);
+        top += ImageScene::draw(
+            canvas, call.resultImages[i], call.id + QStringLiteral("/image-") + QString::number(i),
+            at + QPointF(canvas.u(Side), top), width - 2 * canvas.u(Side), PictureHeight);
     }
     return call.resultImages.isEmpty() ? top : top + canvas.u(Bottom);
 }

@@ -41,9 +41,12 @@ struct RowFrame {
 RowWords wordsOf(const ChatToolCall& call, const ChatSubagent* agent)
 {
     const ToolPresentation shown = ToolPresentation::of(call);
-    RowWords words{shown.symbol, shown.verb,
-                   shown.object, shown.isCode,
-                   ToolDetails::count(call, agent), {},
+    RowWords words{shown.symbol,
+                   shown.verb,
+                   shown.object,
+                   shown.isCode,
+                   ToolDetails::count(call, agent),
+                   {},
                    agent != nullptr ? agent->status : call.status};
     if (!call.edits.isEmpty())
         words.stats = LineDiff::stats(LineDiff::lines(call.edits));
@@ -156,9 +159,9 @@ double drawChild(ChatCanvas& canvas, const ChatToolCall& call, const FindAgent& 
     drawRow(canvas, wordsOf(call, agent), {row, hit, canOpen ? call.id : QString(), isOpen});
     if (!isOpen)
         return row.height();
-    return row.height()
-           + ToolBodyScene::draw(canvas, call, {row.left() - canvas.u(14), row.bottom()},
-                                 row.width() + canvas.u(14));
+    return row.height() + ToolBodyScene::draw(canvas, call,
+                                              {row.left() - canvas.u(14), row.bottom()},
+                                              row.width() + canvas.u(14));
 }
 
 double drawAgentCalls(ChatCanvas& canvas, const ChatSubagent& agent, const FindAgent& findAgent,
