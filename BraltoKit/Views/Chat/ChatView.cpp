@@ -124,7 +124,7 @@ void ChatView::connectChat()
     });
     connect(&m_chat, &ClaudeChat::stateChanged, this, &ChatView::showState);
     connect(&m_chat, &ClaudeChat::isLoadingHistoryChanged, this, &ChatView::showState);
-    connect(&m_chat, &ClaudeChat::isAgentMissingChanged, this, &ChatView::showCards);
+    connect(&m_chat, &ClaudeChat::agentMissingChanged, this, &ChatView::showCards);
     connect(m_transcript, &ChatTranscriptView::openFileRequested, this,
             &ChatView::openFileRequested);
     connect(m_transcript, &ChatTranscriptView::openUrlRequested, this, &ChatView::openUrlRequested);
