@@ -182,13 +182,15 @@ void Turn::finish()
 
 void Turn::abort()
 {
-    const bool wasInTool = !m_openTools.empty() && (!m_message || m_message->streaming.isEmpty());
+    const bool isStreaming = m_message && !m_message->streaming.isEmpty();
+    const bool wasInTool = !m_openTools.empty() && !isStreaming;
     m_request.reset();
     if (wasInTool) {
         refuseOpenTools();
         notify("[Request interrupted by user for tool use]");
     } else if (m_message) {
         abortMessage();
+        refuseOpenTools();
     } else {
         notify("[Request interrupted by user]");
     }

@@ -121,7 +121,7 @@ TEST_F(DemoPermission, TheModesDecideWhatIsAskedFor)
         {{"--permission-mode", "default"}, true, true},
         {{"--permission-mode", "acceptEdits"}, false, true},
         {{"--dangerously-skip-permissions"}, false, false},
-        {{"--permission-mode", "bypassPermissions"}, true, true},
+        {{"--permission-mode", "bypassPermissions"}, false, false},
         {{"--dangerously-skip-permissions", "--permission-mode", "default"}, true, true},
     };
     for (const Row& row : rows) {
