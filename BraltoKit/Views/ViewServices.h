@@ -3,6 +3,8 @@
 #include "Base/Clock.h"
 #include "Base/DefaultsStore.h"
 #include "Base/Desktop.h"
+#include "Base/Motion.h"
+#include "Base/Zoom.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/WindowLayout.h"
 #include "Workspace/Workspace.h"
@@ -22,6 +24,8 @@ struct ViewServices {
     Desktop& desktop;
     Defaults defaults;
     const Clock& clock;
+    Motion& motion;
+    Zoom& zoom;
     WindowLayout::Role role = WindowLayout::Role::HomeApplication;
     /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`.
     std::function<QWidget*(ConsolePane&)> makePane;

@@ -1,9 +1,9 @@
 #include "Views/Console/ConsoleHead.h"
 
+#include "Base/Shortcuts.h"
 #include "Terminals/TerminalPanel.h"
 #include "Views/Console/GroupChip.h"
 #include "Views/Kit/IconButton.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/WidthShares.h"
 
 #include <algorithm>
@@ -32,8 +32,8 @@ ConsoleHead::ConsoleHead(Theme& theme, TerminalPanel& panel, QWidget* parent)
     setFixedHeight(Measure::TrayHead);
     for (IconButton* button : {m_new, m_maximize, m_hide})
         button->setExtent(Measure::BarButton, Measure::RowIcon);
-    m_new->setTip(tr("New Claude Chat"), Shortcuts::text(Command::New));
-    m_hide->setTip(tr("Hide Terminal"), Shortcuts::text(Command::ToggleTerminal));
+    m_new->setTip(tr("New Claude Chat"), Shortcuts::keys(Command::New));
+    m_hide->setTip(tr("Hide Terminal"), Shortcuts::keys(Command::ToggleTerminal));
     connect(m_new, &IconButton::clicked, this,
             [this] { m_panel.addGroup(PaneKind::Chat, std::nullopt); });
     m_maximize->setCheckable(true);
@@ -78,7 +78,7 @@ void ConsoleHead::refresh()
     m_maximize->setSymbol(isMaximized ? QStringLiteral("arrow.down.right.and.arrow.up.left")
                                       : QStringLiteral("arrow.up.left.and.arrow.down.right"));
     m_maximize->setTip(isMaximized ? tr("Restore Size") : tr("Full-Height Terminal"),
-                       Shortcuts::text(Command::MaximizeTerminal));
+                       Shortcuts::keys(Command::ToggleTerminalSize));
 }
 
 void ConsoleHead::place()

@@ -1,9 +1,9 @@
 #include "Views/Console/PaneHead.h"
 
+#include "Base/Shortcuts.h"
 #include "Terminals/TerminalPanel.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/IconButton.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/TextLine.h"
 
 #include <QPainter>
@@ -25,7 +25,7 @@ PaneHead::PaneHead(Theme& theme, TerminalPanel& panel, ConsolePane& pane, QWidge
 {
     m_close->setExtent(Measure::IconButton, Measure::TabIcon);
     m_close->setQuiet(true);
-    m_close->setTip(tr("Close Pane"), Shortcuts::text(Shortcuts::Command::Close));
+    m_close->setTip(tr("Close Pane"), Shortcuts::keys(Shortcuts::Command::Close));
     connect(
         m_close, &IconButton::clicked, this, [this] { m_panel.close(&m_pane); },
         Qt::QueuedConnection);

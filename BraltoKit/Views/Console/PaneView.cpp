@@ -3,6 +3,7 @@
 #include "Terminals/TerminalPanel.h"
 #include "Views/Console/PaneHead.h"
 #include "Views/Window/Sheet.h"
+#include "Views/Window/WindowFocus.h"
 
 #include <QApplication>
 
@@ -23,6 +24,7 @@ PaneView::PaneView(Theme& theme, TerminalPanel& panel, ConsolePane& pane, QWidge
     content->show();
     m_sheet->setContent(m_body);
     setFocusProxy(content);
+    WindowFocus::mark(*this, FocusArea::Terminal);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { markFocused(now); });
 }

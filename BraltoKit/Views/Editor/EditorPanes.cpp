@@ -6,6 +6,7 @@
 #include "Views/Editor/TabBar.h"
 #include "Views/Window/Seam.h"
 #include "Views/Window/Sheet.h"
+#include "Views/Window/WindowFocus.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,7 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
     , m_second(new Sheet(services.theme, Sheet::On::Frame, this))
     , m_secondContent(new QWidget)
     , m_seam(new Seam(services.theme, Seam::Direction::Sideways, tr("Resize split view"), this))
+    , m_hold(services.motion)
 {
     m_first->setContent(m_firstContent);
     m_second->setContent(m_secondContent);
@@ -31,8 +33,11 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
     connect(&workspace, &Workspace::splitTabChanged, this, &EditorPanes::refresh);
     connect(&workspace, &Workspace::splitFractionChanged, this, &EditorPanes::place);
     connect(&workspace, &Workspace::focusRequested, this, &EditorPanes::focusTab);
-    connect(m_seam, &Seam::dragStarted, this,
-            [this] { m_fractionAtStart = m_services.workspace.splitFraction(); });
+    connect(m_seam, &Seam::dragStarted, this, [this] {
+        m_fractionAtStart = m_services.workspace.splitFraction();
+        m_hold.begin(QStringLiteral("drag split seam"));
+    });
+    connect(m_seam, &Seam::dragEnded, this, [this] { m_hold.end(); });
     connect(m_seam, &Seam::dragged, this, [this](double way) {
         const auto share = WindowLayout::draggedShare(
             m_fractionAtStart, way, width(), Workspace::SmallestSplit, Workspace::LargestSplit);
@@ -46,9 +51,13 @@ EditorPanes::EditorPanes(const ViewServices& services, QWidget* parent)
 
 QWidget* EditorPanes::makeScreen(const WorkspaceTab& tab)
 {
+    QWidget* screen = nullptr;
     if (tab.document())
-        return new EditorScreen(m_services, tab, m_firstContent);
-    return new PageScreen(m_services, tab, m_firstContent);
+        screen = new EditorScreen(m_services, tab, m_firstContent);
+    else
+        screen = new PageScreen(m_services, tab, m_firstContent);
+    WindowFocus::markTab(*screen, tab.id());
+    return screen;
 }
 
 QWidget* EditorPanes::ensureScreen(const QString& tabId)

@@ -47,6 +47,7 @@ private:
     QWidget* m_secondContent;
     Seam* m_seam;
     double m_fractionAtStart = 0;
+    ResizeHold m_hold;
     QHash<QString, QWidget*> m_screens; ///< By tab id.
 };
 

@@ -53,7 +53,6 @@ void EditorScreen::rebuild()
         buildCode();
 
     setFocusProxy(m_body);
-    m_body->setProperty("tabId", m_tab.id());
     m_body->lower();
     m_body->show();
     showText();

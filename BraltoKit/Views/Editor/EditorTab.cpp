@@ -1,12 +1,12 @@
 #include "Views/Editor/EditorTab.h"
 
+#include "Base/Shortcuts.h"
 #include "Editor/FileKind.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/Ink.h"
 #include "Views/Kit/PopupMenu.h"
 #include "Views/Kit/Shape.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/TextLine.h"
 
 #include <QContextMenuEvent>
@@ -91,7 +91,7 @@ void EditorTab::refresh()
     if (hasUnsavedText())
         m_close->setTip(tr("Unsaved changes"));
     else
-        m_close->setTip(tr("Close"), Shortcuts::text(Shortcuts::Command::Close));
+        m_close->setTip(tr("Close"), Shortcuts::keys(Shortcuts::Command::Close));
     showClose();
     update();
 }

@@ -1,7 +1,7 @@
 #include "Views/Editor/FolderOverview.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Kit/Place.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/SpaceTile.h"
 #include "Views/Kit/TextButton.h"
 
@@ -22,13 +22,13 @@ FolderOverview::FolderOverview(const ViewServices& services, QWidget* parent)
     m_place->setText(tr("Choose a file from the sidebar, or start a new one."));
     Workspace& workspace = services.workspace;
     auto* newFile = new TextButton(theme(), TextButton::Kind::Primary, tr("New File"), m_place);
-    newFile->setKeyCap(Shortcuts::text(Shortcuts::Command::New));
+    newFile->setKeyCap(Shortcuts::keys(Shortcuts::Command::New));
     connect(newFile, &TextButton::clicked, &workspace,
             [&workspace] { workspace.createFile(std::nullopt); });
     m_place->addButton(newFile);
     auto* terminal = new TextButton(theme(), TextButton::Kind::Plain, tr("Show Terminal"), m_place);
     terminal->setSymbol(QStringLiteral("terminal"));
-    terminal->setTip(tr("Show Terminal"), Shortcuts::text(Shortcuts::Command::ToggleTerminal));
+    terminal->setTip(tr("Show Terminal"), Shortcuts::keys(Shortcuts::Command::ToggleTerminal));
     connect(terminal, &TextButton::clicked, &workspace,
             [&workspace] { workspace.terminal().show(); });
     m_place->addButton(terminal);

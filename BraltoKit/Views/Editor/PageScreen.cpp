@@ -17,7 +17,6 @@ PageScreen::PageScreen(const ViewServices& services, const WorkspaceTab& tab, QW
     connect(button, &TextButton::clicked, this,
             [this] { m_services.desktop.open(m_tab.browser()->url()); });
     m_place->addButton(button);
-    button->setProperty("tabId", tab.id());
     setFocusProxy(button);
     connect(tab.browser(), &BrowserTab::titleChanged, this, &PageScreen::refresh);
     connect(tab.browser(), &BrowserTab::urlChanged, this, &PageScreen::refresh);

@@ -1,9 +1,9 @@
 #include "Views/Editor/TabBar.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Editor/EditorTab.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/Shape.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/WidthShares.h"
 
 #include <QPainter>
@@ -30,7 +30,7 @@ TabBar::TabBar(const ViewServices& services, QWidget* parent)
     Workspace& workspace = services.workspace;
     if (workspace.canShowPages()) {
         m_newTab = new IconButton(theme(), Ground::Sheet, QStringLiteral("plus"), this);
-        m_newTab->setTip(tr("New Browser Tab"), Shortcuts::text(Shortcuts::Command::New));
+        m_newTab->setTip(tr("New Browser Tab"), Shortcuts::keys(Shortcuts::Command::New));
         connect(m_newTab, &IconButton::clicked, &workspace,
                 [&workspace] { workspace.insertPage({}); });
     }

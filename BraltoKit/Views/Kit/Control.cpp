@@ -1,8 +1,8 @@
 #include "Views/Kit/Control.h"
 
+#include "Views/Kit/Animated.h"
 #include "Views/Kit/FocusRing.h"
 #include "Views/Kit/Ink.h"
-#include "Views/Kit/Motion.h"
 
 #include <QKeyEvent>
 
@@ -15,7 +15,7 @@ Control::Control(Theme& theme, Ground ground, QWidget* parent)
 {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
-    m_hover.setDuration(Motions::HoverMs);
+    m_hover.setDuration(int(Motions::Hover.count()));
     m_hover.setStartValue(0.0);
     m_hover.setEndValue(1.0);
     connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));

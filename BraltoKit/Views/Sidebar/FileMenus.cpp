@@ -1,7 +1,6 @@
 #include "Views/Sidebar/FileMenus.h"
 
 #include "Base/Desktop.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Workspace/Workspace.h"
 
 #include <QMenu>

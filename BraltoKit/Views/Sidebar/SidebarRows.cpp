@@ -1,7 +1,7 @@
 #include "Views/Sidebar/SidebarRows.h"
 
+#include "Base/Shortcuts.h"
 #include "Editor/FileKind.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Workspace/Workspace.h"
 
 #include <QObject>
@@ -86,7 +86,7 @@ std::vector<SidebarRow> SidebarRows::of(const Workspace& workspace)
         rows.push_back({.kind = Kind::EmptyText,
                         .key = {},
                         .text = QObject::tr("Press %1 to create your first file.")
-                                    .arg(Shortcuts::text(Shortcuts::Command::New)),
+                                    .arg(Shortcuts::keys(Shortcuts::Command::New)),
                         .symbol = {}});
     }
     return rows;

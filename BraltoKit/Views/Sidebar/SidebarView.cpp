@@ -2,6 +2,7 @@
 
 #include "Views/Sidebar/SidebarList.h"
 #include "Views/Sidebar/TitleRow.h"
+#include "Views/Window/WindowFocus.h"
 
 #include <QVBoxLayout>
 
@@ -11,6 +12,7 @@ SidebarView::SidebarView(const ViewServices& services, QWidget* parent)
     : ThemedWidget(services.theme, parent)
     , m_list(new SidebarList(services.theme, services.workspace, services.desktop, this))
 {
+    WindowFocus::mark(*this, FocusArea::Sidebar);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Measure::FrameInset, 0, Measure::FrameInset, Measure::FrameInset);
     column->setSpacing(0);

@@ -1,11 +1,11 @@
 #include "Views/Sidebar/TitleRow.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/Ink.h"
 #include "Views/Kit/PopupMenu.h"
 #include "Views/Kit/Shape.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/TextLine.h"
 #include "Views/Sidebar/FileMenus.h"
 #include "Workspace/Workspace.h"
@@ -27,8 +27,8 @@ TitleRow::TitleRow(Theme& theme, Workspace& workspace, Desktop& desktop, QWidget
     , m_newFolder(new IconButton(theme, Ground::Frame, QStringLiteral("folder.badge.plus"), this))
 {
     setFixedHeight(Measure::TitleRow);
-    m_newFile->setTip(tr("New File"), Shortcuts::text(Shortcuts::Command::New));
-    m_newFolder->setTip(tr("New Folder"), Shortcuts::text(Shortcuts::Command::NewFolder));
+    m_newFile->setTip(tr("New File"), Shortcuts::keys(Shortcuts::Command::New));
+    m_newFolder->setTip(tr("New Folder"), Shortcuts::keys(Shortcuts::Command::NewFolder));
     m_newFile->hide();
     m_newFolder->hide();
     // The keyboard reaches both through the menu of the files.

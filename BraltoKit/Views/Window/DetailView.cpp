@@ -2,7 +2,7 @@
 
 #include "Views/Console/TerminalPanelView.h"
 #include "Views/Editor/EditorPanes.h"
-#include "Views/Kit/Motion.h"
+#include "Views/Kit/Animated.h"
 #include "Views/Window/MissingFolder.h"
 #include "Views/Window/Seam.h"
 
@@ -19,16 +19,20 @@ DetailView::DetailView(const ViewServices& services, QWidget* parent)
     , m_seam(new Seam(services.theme, Seam::Direction::UpAndDown, tr("Resize editor and terminal"),
                       this))
     , m_share(new Animated(services.theme, Motions::Toggle, 1, this))
+    , m_hold(services.motion)
 {
     Workspace& workspace = services.workspace;
     connect(m_share, &Animated::valueChanged, this, &DetailView::place);
     connect(m_share, &Animated::settled, this, &DetailView::dropEditor);
     connect(&workspace, &Workspace::terminalChanged, this, &DetailView::followPanel);
-    const auto settle = [this] { settleEditor(Motion::Toggle); };
+    const auto settle = [this] { settleEditor(Step::Animated); };
     connect(&workspace, &Workspace::activeTabChanged, this, settle);
-    connect(&workspace, &Workspace::rootChanged, this, &DetailView::showMissing);
-    connect(m_seam, &Seam::dragStarted, this,
-            [this] { m_fractionAtStart = m_console->panel().editorFraction(); });
+    connect(&workspace, &Workspace::rootMissingChanged, this, &DetailView::showMissing);
+    connect(m_seam, &Seam::dragStarted, this, [this] {
+        m_fractionAtStart = m_console->panel().editorFraction();
+        m_hold.begin(QStringLiteral("drag console seam"));
+    });
+    connect(m_seam, &Seam::dragEnded, this, [this] { m_hold.end(); });
     connect(m_seam, &Seam::dragged, this, [this](double way) {
         const auto share = WindowLayout::draggedShare(m_fractionAtStart, way, height(),
                                                       TerminalPanel::SmallestFraction,
@@ -49,15 +53,15 @@ void DetailView::followPanel()
     delete m_console;
     TerminalPanel& panel = m_services.workspace.terminal();
     m_console = new TerminalPanelView(m_services, panel, this);
-    const auto settle = [this] { settleEditor(Motion::Toggle); };
+    const auto settle = [this] { settleEditor(Step::Animated); };
     connect(&panel, &TerminalPanel::isVisibleChanged, m_console, settle);
     connect(&panel, &TerminalPanel::isMaximizedChanged, m_console, settle);
     connect(&panel, &TerminalPanel::editorFractionChanged, m_console,
-            [this] { settleEditor(Motion::None); });
+            [this] { settleEditor(Step::AtOnce); });
     connect(&panel, &TerminalPanel::focusReturned, m_console,
             [this] { m_panes->focusTab(m_services.workspace.activeTabId()); });
     m_seam->raise();
-    settleEditor(Motion::None);
+    settleEditor(Step::AtOnce);
 }
 
 EditorLayout DetailView::target() const
@@ -80,7 +84,7 @@ double DetailView::wantedShare() const
     return 1;
 }
 
-void DetailView::settleEditor(Motion motion)
+void DetailView::settleEditor(Step step)
 {
     m_layout = target();
     // What comes into view does so before it moves, what goes leaves when it has.
@@ -88,7 +92,7 @@ void DetailView::settleEditor(Motion motion)
         m_panes->show();
     if (m_layout != EditorLayout::Full)
         m_console->show();
-    if (motion == Motion::Toggle && isVisible())
+    if (step == Step::Animated && isVisible())
         m_share->moveTo(wantedShare());
     else
         m_share->jumpTo(wantedShare());

@@ -26,10 +26,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    enum class Motion { None, Toggle };
+    enum class Step { AtOnce, Animated };
 
     void followPanel();
-    void settleEditor(Motion motion);
+    void settleEditor(Step step);
     void place();
     void dropEditor();
     void showMissing();
@@ -44,6 +44,7 @@ private:
     EditorLayout m_layout = EditorLayout::Full;
     Animated* m_share; ///< The editor's part of the height: 1 is all of it.
     double m_fractionAtStart = 0;
+    ResizeHold m_hold;
 };
 
 } // namespace Bralto

@@ -1,10 +1,10 @@
 #include "Views/Window/WindowBar.h"
 
+#include "Base/Shortcuts.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/PopupMenu.h"
 #include "Views/Kit/Shape.h"
-#include "Views/Kit/Shortcuts.h"
 #include "Views/Kit/SpaceIcon.h"
 #include "Views/Kit/TextLine.h"
 #include "Workspace/Workspace.h"
@@ -194,7 +194,7 @@ void WindowBar::build()
     connect(m_terminal, &IconButton::clicked, this, &WindowBar::togglePanel);
     row->addWidget(m_terminal);
     m_ellipsis = button(QStringLiteral("ellipsis"));
-    m_ellipsis->setTip(tr("Menu"), Shortcuts::text(Command::Menu));
+    m_ellipsis->setTip(tr("Menu"), QStringLiteral("F10"));
     m_ellipsis->hide();
     connect(m_ellipsis, &IconButton::clicked, this, &WindowBar::openMenu);
     row->addWidget(m_ellipsis);
@@ -259,7 +259,7 @@ void WindowBar::refresh()
     const bool hasProject = m_workspace.root() != nullptr;
     m_sidebar->setVisible(hasProject);
     m_sidebar->setTip(m_workspace.isSidebarVisible() ? tr("Hide Sidebar") : tr("Show Sidebar"),
-                      Shortcuts::text(Command::ToggleSidebar));
+                      Shortcuts::keys(Command::ToggleSidebar));
 
     const bool isSplit = !m_workspace.splitTabId().isEmpty();
     m_split->setVisible(hasProject);
@@ -268,13 +268,13 @@ void WindowBar::refresh()
                                : QStringLiteral("rectangle.split.2x1"));
     m_split->setChecked(isSplit);
     m_split->setTip(isSplit ? tr("Close Split View") : tr("Split View"),
-                    Shortcuts::text(Command::ToggleSplit));
+                    Shortcuts::keys(Command::ToggleSplit));
 
     const bool isOpen = m_workspace.terminal().isVisible();
     m_terminal->setVisible(hasProject);
     m_terminal->setChecked(isOpen);
     m_terminal->setTip(isOpen ? tr("Hide Terminal") : tr("Show Terminal"),
-                       Shortcuts::text(Command::ToggleTerminal));
+                       Shortcuts::keys(Command::ToggleTerminal));
 
     m_ellipsis->setVisible(m_menu != nullptr);
     m_line->setVisible(m_ownButtons == OwnButtons::Yes && !m_layout.right.isEmpty() &&

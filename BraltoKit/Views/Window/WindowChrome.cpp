@@ -1,6 +1,6 @@
 #include "Views/Window/WindowChrome.h"
 
-#include "Views/Kit/Motion.h"
+#include "Views/Kit/Animated.h"
 #include "Views/Kit/ToolTip.h"
 #include "Views/Window/DropFrame.h"
 #include "Views/Window/SpaceBackdrop.h"
@@ -14,8 +14,6 @@
 
 namespace Bralto {
 namespace {
-
-constexpr Spring FrameSpring{0.35, 1.0};
 
 WindowBar::OwnButtons ownButtons(WindowChrome::Frame frame)
 {
@@ -37,7 +35,7 @@ WindowChrome::WindowChrome(Theme& theme, Workspace& workspace, const WindowButto
     , m_theme(theme)
     , m_workspace(workspace)
     , m_backdrop(new SpaceBackdrop(*this))
-    , m_fade(new Animated(theme, FrameSpring, 1, this))
+    , m_fade(new Animated(theme, Motions::Frame, 1, this))
     , m_bar(new WindowBar(theme, workspace, buttons, ownButtons(frame), this))
     , m_dropFrame(new DropFrame(theme, this))
 {

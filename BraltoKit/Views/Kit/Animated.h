@@ -1,32 +1,31 @@
 #pragma once
 
+#include "Base/Motion.h"
+
 #include <QObject>
 #include <QVariantAnimation>
 
-#include <functional>
+#include <chrono>
 
 namespace Bralto {
 
 class Theme;
 
-/// A spring by its response (seconds of one swing without damping) and damping (1 is critical).
-struct Spring {
-    double response = 0.24;
-    double damping = 0.85;
-
-    /// How far the spring has come `seconds` after its start: 0 at rest, 1 at its goal.
-    [[nodiscard]] double value(double seconds) const;
-    /// After how many seconds nothing of its way is left to see.
-    [[nodiscard]] double duration() const;
-
-    bool operator==(const Spring&) const = default;
-};
-
+/// How the views move.
 namespace Motions {
 
+/// A spring, and the time after which nothing of its way is left to see.
+struct Course {
+    Spring spring;
+    std::chrono::milliseconds length;
+};
+
 /// Panels and columns that come and go.
-inline constexpr Spring Toggle{0.24, 0.85};
-inline constexpr int HoverMs = 90;
+inline constexpr Course Toggle{Motion::ToggleSpring, std::chrono::milliseconds(340)};
+/// The frame when its colour changes.
+inline constexpr Course Frame{{std::chrono::milliseconds(350), 1.0},
+                              std::chrono::milliseconds(500)};
+inline constexpr std::chrono::milliseconds Hover{90};
 
 } // namespace Motions
 
@@ -35,7 +34,7 @@ class Animated final : public QObject {
     Q_OBJECT
 
 public:
-    Animated(const Theme& theme, Spring spring, double value, QObject* parent);
+    Animated(const Theme& theme, const Motions::Course& course, double value, QObject* parent);
 
     [[nodiscard]] double value() const { return m_value; }
     [[nodiscard]] double goal() const { return m_goal; }
@@ -54,7 +53,6 @@ signals:
 
 private:
     const Theme& m_theme;
-    Spring m_spring;
     double m_value;
     double m_start;
     double m_goal;

@@ -1,0 +1,53 @@
+#include "Views/Window/WindowFocus.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QVariant>
+
+namespace Bralto {
+namespace {
+
+constexpr char AreaProperty[] = "bralto.focusArea";
+constexpr char TabProperty[] = "bralto.tabId";
+
+} // namespace
+
+void WindowFocus::mark(QWidget& widget, FocusArea area)
+{
+    widget.setProperty(AreaProperty, int(area));
+}
+
+void WindowFocus::markTab(QWidget& widget, const QString& tabId)
+{
+    mark(widget, FocusArea::Content);
+    widget.setProperty(TabProperty, tabId);
+}
+
+FocusArea WindowFocus::areaOf(const QWidget* widget)
+{
+    if (!widget)
+        return FocusArea::None;
+    for (const QWidget* at = widget; at; at = at->parentWidget()) {
+        const QVariant area = at->property(AreaProperty);
+        if (area.isValid())
+            return FocusArea(area.toInt());
+    }
+    return qobject_cast<const QLineEdit*>(widget) ? FocusArea::Content : FocusArea::None;
+}
+
+FocusArea WindowFocus::current() const
+{
+    return areaOf(QApplication::focusWidget());
+}
+
+QString WindowFocus::focusedTabId() const
+{
+    for (const QWidget* at = QApplication::focusWidget(); at; at = at->parentWidget()) {
+        const QVariant id = at->property(TabProperty);
+        if (id.isValid())
+            return id.toString();
+    }
+    return {};
+}
+
+} // namespace Bralto
