@@ -1,6 +1,6 @@
 #include "App/AppDelegate.h"
 
-#include "BraltoLink.h"
+#include "BraltoShared/BraltoLink.h"
 
 #include <QFileInfo>
 #include <QUrl>

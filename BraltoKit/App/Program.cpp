@@ -3,6 +3,7 @@
 #include "App/FirstFrame.h"
 #include "App/ZoomKeys.h"
 #include "Base/ShellQuote.h"
+#include "Base/SpaceIdentity.h"
 #include "Launch/Demo.h"
 #include "Platform/MainBundle.h"
 #include "Views/Chat/ChatView.h"
