@@ -137,6 +137,7 @@ void Program::buildWindow()
     m_window->resize(DefaultSize);
     m_dialogs.setWindow(m_window.get());
     m_window->setContent(new RootView({m_workspace, m_theme, m_desktop, m_defaults, m_clock,
+                                       m_motion, m_zoom,
                                        m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
                                                             : WindowLayout::Role::HomeApplication,
                                        [this](ConsolePane& pane) { return makePane(pane); }},
@@ -149,7 +150,7 @@ void Program::buildWindow()
 QWidget* Program::makePane(ConsolePane& pane)
 {
     ClaudeChat& chat = *pane.chat();
-    auto* view = new ChatView(chat, m_theme);
+    auto* view = new ChatView(chat, m_theme, m_clock, m_files);
     connect(view, &ChatView::openFileRequested, &m_workspace, &Workspace::openFile);
     connect(view, &ChatView::openUrlRequested, this,
             [this](const QUrl& url) { m_delegate.open({url.toString()}); });

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Tests/Support/WorkspaceHarness.h"
+#include "Views/ViewServices.h"
+
+namespace Bralto {
+
+/// A project with files in it, a home with a few projects, and the services that views are made
+/// with. Everything lies in a folder of its own that goes with this object.
+class SampleProject {
+public:
+    explicit SampleProject(const SpaceTheme& look);
+
+    /// A project's window or the home application's, and who plays it.
+    enum class Where { Project, Home, VanishedProject };
+
+    /// Builds the workspace and the theme anew.
+    ViewServices open(Where where, Theme::System system);
+    [[nodiscard]] Workspace& workspace() const { return *m_workspace; }
+    [[nodiscard]] Theme& theme() const { return *m_theme; }
+    /// Opens the tabs of the sample, the second file active.
+    void openTabs();
+    void openConsole(int conversations);
+
+private:
+    void writeFiles();
+    void writeRecents();
+    [[nodiscard]] QString folder(const QString& name) const;
+
+    WorkspaceHarness m_harness;
+    Motion m_motion{m_harness.scheduler()};
+    std::unique_ptr<Zoom> m_zoom;
+    std::unique_ptr<Theme> m_theme;
+    std::unique_ptr<Workspace> m_workspace;
+};
+
+} // namespace Bralto

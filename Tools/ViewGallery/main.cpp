@@ -1,0 +1,182 @@
+/// @file
+/// Draws the views with sample data into pictures, without a screen:
+///
+///     QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=2 view-gallery FOLDER [NAME]
+///
+/// One PNG a view, or the one that is named. For looking at, and for the pictures of the papers.
+
+#include "Tools/ViewGallery/SampleProject.h"
+
+#include "Views/Dialogs/AlertDialog.h"
+#include "Views/Dialogs/PromptDialog.h"
+#include "Views/Editor/CodeText.h"
+#include "Views/Editor/EditorPanes.h"
+#include "Views/Editor/EditorScreen.h"
+#include "Views/Kit/PopupMenu.h"
+#include "Views/Window/DetailView.h"
+#include "Views/Window/RootView.h"
+#include "Views/Window/WindowChrome.h"
+
+#include <QApplication>
+#include <QTextStream>
+
+#include <functional>
+
+using namespace Bralto;
+
+namespace {
+
+using Where = SampleProject::Where;
+
+struct Shot {
+    QString name;
+    SpaceColor color = SpaceColor::Harbour;
+    bool dark = true;
+    QSize size{1440, 900};
+    Where where = Where::Project;
+    std::function<void(SampleProject&)> arrange;
+};
+
+void withTabs(SampleProject& project)
+{
+    project.openTabs();
+}
+
+void withConsole(SampleProject& project)
+{
+    project.openTabs();
+    project.openConsole(2);
+    project.workspace().terminal().setEditorFraction(0.3);
+}
+
+void withSplit(SampleProject& project)
+{
+    project.openTabs();
+    project.workspace().toggleSplit();
+}
+
+std::vector<Shot> shots()
+{
+    using enum SpaceColor;
+    return {
+        {"window-dark", Harbour, true, {1440, 900}, Where::Project, withConsole},
+        {"window-light", Coral, false, {1440, 900}, Where::Project, withConsole},
+        {"window-wide", Lemon, true, {1920, 1080}, Where::Project, withConsole},
+        {"window-narrow", Harbour, true, {640, 420}, Where::Project, withConsole},
+        {"editor-dark", Slate, true, {1180, 780}, Where::Project, withTabs},
+        {"split-dark", Plum, true, {1280, 800}, Where::Project, withSplit},
+        {"split-light", Mint, false, {1280, 800}, Where::Project, withSplit},
+        {"overview-dark", Harbour, true, {1180, 780}, Where::Project, nullptr},
+        {"overview-light", Pebble, false, {640, 420}, Where::Project, nullptr},
+        {"home-dark", Harbour, true, {1180, 780}, Where::Home, nullptr},
+        {"home-light", Sky, false, {1180, 780}, Where::Home, nullptr},
+        {"home-narrow", Sky, false, {640, 420}, Where::Home, nullptr},
+        {"welcome-light", Mint, false, {1180, 780}, Where::VanishedProject, nullptr},
+    };
+}
+
+bool save(QWidget& widget, const QString& folder, const QString& name)
+{
+    for (int turn = 0; turn < 4; ++turn)
+        QCoreApplication::processEvents();
+    const QString path = folder + '/' + name + ".png";
+    const bool saved = widget.grab().save(path);
+    QTextStream(stdout) << (saved ? "" : "could not write ") << path << Qt::endl;
+    return saved;
+}
+
+bool take(const Shot& shot, const QString& folder)
+{
+    SpaceTheme look;
+    look.color = shot.color;
+    look.icon = SpaceTheme::Symbol{"waveform"};
+    look.appearance = shot.dark ? SpaceAppearance::Dark : SpaceAppearance::Light;
+    SampleProject project(look);
+    const ViewServices services =
+        project.open(shot.where, {.dark = shot.dark, .reducedMotion = true});
+    if (shot.arrange)
+        shot.arrange(project);
+    WindowChrome window(services.theme, services.workspace, {}, WindowChrome::Frame::Own);
+    if (shot.where == Where::Home) {
+        // The home application has the look of a project that nobody has styled.
+        look.icon = SpaceTheme::Mark{};
+        services.theme.setSpace(look);
+    }
+    auto* root = new RootView(services);
+    window.setContent(root);
+    auto* menu = new QMenu(&window);
+    window.setMenu(menu);
+    window.resize(shot.size);
+    window.show();
+    if (DetailView* detail = root->detail()) {
+        QWidget* screen = detail->panes().screenOf(services.workspace.activeTabId());
+        if (auto* editor = dynamic_cast<EditorScreen*>(screen); editor && editor->code()) {
+            editor->code()->setCursor({35, 51});
+            editor->code()->setFocus();
+        }
+    }
+    return save(window, folder, shot.name);
+}
+
+bool takeFloating(const QString& folder)
+{
+    bool saved = true;
+    for (const bool dark : {true, false}) {
+        SpaceTheme look;
+        look.color = dark ? SpaceColor::Harbour : SpaceColor::Coral;
+        look.appearance = dark ? SpaceAppearance::Dark : SpaceAppearance::Light;
+        Theme theme({.dark = dark, .reducedMotion = true}, look);
+        const QString suffix = dark ? "-dark" : "-light";
+        AlertDialog alert(theme,
+                          {.title = "Couldn’t save tide_store.cpp",
+                           .text = "Your recent edits haven’t been written to disk.",
+                           .buttons = {"Keep Editing", "Discard Changes"},
+                           .lastIsDestructive = true},
+                          nullptr);
+        alert.show();
+        saved = save(alert, folder, "alert" + suffix) && saved;
+        PromptDialog prompt(theme,
+                            {.title = "Rename",
+                             .message = "Enter a new name for “tide_store.cpp”.",
+                             .placeholder = {},
+                             .initial = "tide_store.cpp"},
+                            nullptr);
+        prompt.show();
+        saved = save(prompt, folder, "prompt" + suffix) && saved;
+        PopupMenu menu(theme);
+        menu.addAction("New File");
+        menu.addAction("Hide Sidebar\tCtrl+S");
+        QAction* marked = menu.addAction("Show Hidden Files\tCtrl+Shift+.");
+        marked->setCheckable(true);
+        marked->setChecked(true);
+        menu.addSeparator();
+        menu.addMenu("Open Recent");
+        menu.addAction("Close Folder\tCtrl+Shift+W")->setEnabled(false);
+        menu.setActiveAction(marked);
+        menu.popup({10, 10});
+        saved = save(menu, folder, "menu" + suffix) && saved;
+    }
+    return saved;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 2) {
+        QTextStream(stderr) << "view-gallery FOLDER [NAME]" << Qt::endl;
+        return 2;
+    }
+    QDir().mkpath(arguments[1]);
+    const QString wanted = arguments.value(2);
+    bool saved = true;
+    for (const Shot& shot : shots()) {
+        if (wanted.isEmpty() || wanted == shot.name)
+            saved = take(shot, arguments[1]) && saved;
+    }
+    if (wanted.isEmpty() || wanted == "floating")
+        saved = takeFloating(arguments[1]) && saved;
+    return saved ? 0 : 1;
+}
