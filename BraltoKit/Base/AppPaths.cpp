@@ -6,7 +6,7 @@
 
 namespace Bralto {
 
-AppPaths::AppPaths(QString home)
+AppPaths::AppPaths(const QString& home)
     : m_home(Paths::standardised(home))
 {
 }

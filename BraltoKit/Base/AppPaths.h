@@ -8,7 +8,7 @@ namespace Bralto {
 /// these names. All results are standardised paths; nothing here touches the disk.
 class AppPaths {
 public:
-    explicit AppPaths(QString home);
+    explicit AppPaths(const QString& home);
 
     /// The paths of this process: `QDir::homePath()`, so that `HOME` moves everything.
     static AppPaths current();

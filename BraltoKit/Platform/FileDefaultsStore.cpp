@@ -41,6 +41,10 @@ FileDefaultsStore::FileDefaultsStore(const QString& folder, const QString& domai
     , m_file(folder, domain)
 {
     m_worker.setMaxThreadCount(1);
+    connect(this, &FileDefaultsStore::workDue, this, &FileDefaultsStore::startWorker,
+            Qt::QueuedConnection);
+    connect(this, &FileDefaultsStore::answerReady, this, &FileDefaultsStore::takeAnswer,
+            Qt::QueuedConnection);
     if (QCoreApplication::instance()) {
         m_watcher = std::make_unique<QFileSystemWatcher>();
         connect(m_watcher.get(), &QFileSystemWatcher::directoryChanged, this, [this] {
@@ -92,7 +96,7 @@ void FileDefaultsStore::schedule()
 {
     if (std::exchange(m_isScheduled, true))
         return;
-    QMetaObject::invokeMethod(this, &FileDefaultsStore::startWorker, Qt::QueuedConnection);
+    emit workDue({});
 }
 
 void FileDefaultsStore::startWorker()
@@ -108,7 +112,7 @@ void FileDefaultsStore::startWorker()
         DefaultsFile::State answer = changes.isEmpty() ? m_file.read() : m_file.commit(changes);
         const QMutexLocker locker(&m_answerLock);
         m_answer = std::move(answer);
-        QMetaObject::invokeMethod(this, &FileDefaultsStore::takeAnswer, Qt::QueuedConnection);
+        emit answerReady({});
     });
 }
 

@@ -41,6 +41,10 @@ public:
     /// Whether this process can keep the domain on disk.
     [[nodiscard]] bool isWritable() const { return m_file.isWritable(); }
 
+signals:
+    void workDue(QPrivateSignal);     ///< Heard a turn later.
+    void answerReady(QPrivateSignal); ///< From the worker's thread.
+
 private:
     void schedule();
     void startWorker();
