@@ -24,8 +24,8 @@ bool isAsciiLetterOrDigit(QChar character)
 bool isPrompt(const QJsonObject& line)
 {
     const QString text = textOf(line.value("message")["content"]);
-    return !line.value("isMeta").toBool() && !text.isEmpty() && !text.startsWith(u"[Request ") &&
-           !text.startsWith(u'<');
+    return !line.value("isMeta").toBool() && !line.value("isCompactSummary").toBool() &&
+           !text.isEmpty() && !text.startsWith(u"[Request ") && !text.startsWith(u'<');
 }
 
 } // namespace

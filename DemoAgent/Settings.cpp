@@ -9,13 +9,12 @@ namespace DemoAgent {
 Settings Settings::fromArguments(const Arguments& arguments)
 {
     Settings result;
-    result.mayBypass = arguments.maySkipPermissions;
+    result.mayBypass =
+        arguments.maySkipPermissions || arguments.permissionMode == u"bypassPermissions";
     result.model = Models::resolved(arguments.model.isEmpty() ? "default" : arguments.model);
     result.effort = Models::effortLevels().contains(arguments.effort) ? arguments.effort : "medium";
-    result.permissionMode = arguments.maySkipPermissions ? "bypassPermissions" : "default";
-    const auto asked = PermissionModes::known(arguments.permissionMode);
-    if (asked && (*asked != u"bypassPermissions" || result.mayBypass))
-        result.permissionMode = *asked;
+    const QString usual = arguments.maySkipPermissions ? "bypassPermissions" : "default";
+    result.permissionMode = PermissionModes::known(arguments.permissionMode).value_or(usual);
     return result;
 }
 

@@ -44,41 +44,32 @@ void Turn::sendInit()
 
 Task<> Turn::say(QString text)
 {
-    return sayPieces(pieces(text, TextPiece), DeltaPause);
-}
-
-Task<> Turn::sayPieces(QStringList pieces, std::chrono::milliseconds pause)
-{
-    co_await streamText(std::move(pieces), pause);
+    co_await openText();
+    for (const QString& piece : pieces(text, TextPiece))
+        co_await addText(piece, DeltaPause);
     endText();
 }
 
-Task<> Turn::beginText(QString text)
-{
-    return streamText(pieces(text, TextPiece), DeltaPause);
-}
-
-Task<> Turn::streamText(QStringList pieces, std::chrono::milliseconds pause)
+Task<> Turn::openText()
 {
     co_await m_conversation.pace.pause(m_message ? 0ms : FirstTokenPause);
     ensureMessage();
     openBlock(Wire::textBlock({}));
-    QString said;
-    for (const QString& piece : pieces) {
-        said += piece;
-        m_message->streaming = Wire::textBlock(said);
-        sendDelta({{"type", "text_delta"}, {"text", piece}}, piece.size());
-        co_await m_conversation.pace.pause(pause);
-    }
+}
+
+Task<> Turn::addText(QString piece, std::chrono::milliseconds pause)
+{
+    m_message->streamed += piece;
+    sendDelta({{"type", "text_delta"}, {"text", piece}}, piece.size());
+    co_await m_conversation.pace.pause(pause);
 }
 
 void Turn::endText()
 {
     if (!m_message || m_message->streaming.isEmpty())
         return;
-    const QJsonObject block = m_message->streaming;
-    m_lastText = block.value("text").toString();
-    closeBlock(block);
+    m_lastText = m_message->streamed;
+    closeBlock(streamedBlock());
 }
 
 Task<> Turn::think(QString thinking)
@@ -86,16 +77,14 @@ Task<> Turn::think(QString thinking)
     co_await m_conversation.pace.pause(m_message ? 0ms : FirstTokenPause);
     ensureMessage();
     openBlock(Wire::thinkingBlock({}));
-    QString thought;
     for (const QString& piece : pieces(thinking, TextPiece)) {
-        thought += piece;
-        m_message->streaming = Wire::thinkingBlock(thought);
+        m_message->streamed += piece;
         sendDelta({{"type", "thinking_delta"}, {"thinking", piece}}, piece.size());
         co_await m_conversation.pace.pause(DeltaPause);
     }
     const QString signature = QString::fromLatin1(QByteArray("demo").toBase64());
     sendDelta({{"type", "signature_delta"}, {"signature", signature}}, 0);
-    QJsonObject block = Wire::thinkingBlock(thinking);
+    QJsonObject block = streamedBlock();
     block.insert("signature", signature);
     closeBlock(block);
 }
@@ -193,13 +182,15 @@ void Turn::finish()
 
 void Turn::abort()
 {
-    const bool wasInTool = !m_openTools.empty() && (!m_message || m_message->streaming.isEmpty());
+    const bool isStreaming = m_message && !m_message->streaming.isEmpty();
+    const bool wasInTool = !m_openTools.empty() && !isStreaming;
     m_request.reset();
     if (wasInTool) {
         refuseOpenTools();
         notify("[Request interrupted by user for tool use]");
     } else if (m_message) {
         abortMessage();
+        refuseOpenTools();
     } else {
         notify("[Request interrupted by user]");
     }
@@ -228,7 +219,18 @@ void Turn::ensureMessage()
 void Turn::openBlock(const QJsonObject& block)
 {
     m_message->streaming = block;
+    m_message->streamed.clear();
     stream(Wire::blockStart(m_message->id, m_message->blocks, block));
+}
+
+QJsonObject Turn::streamedBlock() const
+{
+    QJsonObject block = m_message->streaming;
+    const QString type = block.value("type").toString();
+    if (type != u"text" && type != u"thinking")
+        return {};
+    block.insert(type, m_message->streamed);
+    return block;
 }
 
 void Turn::sendDelta(const QJsonObject& delta, qsizetype characters)
@@ -283,19 +285,17 @@ void Turn::refuseOpenTools()
 
 void Turn::abortMessage()
 {
-    const bool hasText = m_message->streaming.value("type").toString() != u"tool_use" &&
-                         !m_message->streaming.isEmpty();
-    if (hasText) {
-        QJsonObject line = Wire::assistant(
-            Wire::assistantMessage(m_message->id, m_message->model, m_message->streaming,
-                                   QJsonValue::Null, m_message->usage));
+    const QJsonObject streamed = streamedBlock();
+    if (!streamed.isEmpty()) {
+        QJsonObject line = Wire::assistant(Wire::assistantMessage(
+            m_message->id, m_message->model, streamed, QJsonValue::Null, m_message->usage));
         line.insert("aborted", true);
         m_conversation.out.send(line);
     }
     const Usage usage = m_conversation.ledger.endCall(m_message->characters);
     auto blocks = m_message->finished;
-    if (hasText)
-        blocks.push_back(m_message->streaming);
+    if (!streamed.isEmpty())
+        blocks.push_back(streamed);
     for (const QJsonObject& block : blocks) {
         m_conversation.store.appendAssistant(
             Wire::assistantMessage(m_message->id, m_message->model, block, QJsonValue::Null, usage),

@@ -37,11 +37,10 @@ public:
 
     /// Streams a text block in small pieces.
     Task<> say(QString text);
-    /// The same, a piece at a time with this pause between: a slow text that may be interrupted.
-    Task<> sayPieces(QStringList pieces, std::chrono::milliseconds pause);
-    /// The two halves of `say`; between them the block is open.
-    Task<> beginText(QString text);
-    /// Nothing if no text is open.
+    /// The same in parts: what is added streams as one piece, with a pause behind it.
+    Task<> openText();
+    Task<> addText(QString piece, std::chrono::milliseconds pause);
+    /// Nothing if no block is open.
     void endText();
     Task<> think(QString thinking);
 
@@ -79,14 +78,17 @@ private:
         Usage usage;
         int blocks = 0;
         qint64 characters = 0;
-        /// The block that streams just now, empty between blocks.
+        /// The block that streams just now as it was opened, empty between blocks.
         QJsonObject streaming;
+        /// What has been streamed of its text or thinking.
+        QString streamed;
         std::vector<QJsonObject> finished;
     };
 
-    Task<> streamText(QStringList pieces, std::chrono::milliseconds pause);
     void ensureMessage();
     void openBlock(const QJsonObject& block);
+    /// The open block with all that has been streamed; empty if none is open or it is a tool call.
+    [[nodiscard]] QJsonObject streamedBlock() const;
     void sendDelta(const QJsonObject& delta, qsizetype characters);
     void sendAssistant(const QJsonObject& block);
     void closeBlock(const QJsonObject& block);

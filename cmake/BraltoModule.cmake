@@ -72,6 +72,16 @@ function(bralto_check_arrows)
     endforeach()
 endfunction()
 
+# The precompiled header that all test programs share. Call it once, before the first test.
+function(bralto_test_headers)
+    file(WRITE ${CMAKE_BINARY_DIR}/TestHeaders.cpp "")
+    add_library(TestHeaders STATIC ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
+    target_link_libraries(TestHeaders PRIVATE Qt6::Core GTest::gtest)
+    target_compile_options(TestHeaders PRIVATE ${BRALTO_WARNINGS} -fPIE)
+    target_precompile_headers(TestHeaders PRIVATE <gtest/gtest.h> <QByteArray> <QDateTime> <QHash> <QList> <QObject>
+        <QString> <QStringList> <QTemporaryDir> <QVariant> <functional> <memory> <optional> <variant> <vector>)
+endfunction()
+
 # A test program: Tests/<folder>/<name>.cpp against the modules that it names.
 #   MAIN widgets|core  a QApplication (offscreen) or a QCoreApplication is there; else plain GoogleTest
 #   NEEDS              programs that the test starts, built before it
@@ -84,7 +94,13 @@ function(bralto_test path)
         set(main ${PROJECT_SOURCE_DIR}/Tests/Support/Main_${test_MAIN}.cpp)
     endif()
     add_executable(${name} ${PROJECT_SOURCE_DIR}/Tests/${path}.cpp ${main})
+    # Hardly a test declares an object of its own, and a run of moc for each costs seconds.
+    file(STRINGS ${PROJECT_SOURCE_DIR}/Tests/${path}.cpp objects REGEX "Q_OBJECT")
+    if(NOT objects)
+        set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+    endif()
     target_compile_options(${name} PRIVATE ${BRALTO_WARNINGS})
+    target_precompile_headers(${name} REUSE_FROM TestHeaders)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
     target_compile_definitions(${name} PRIVATE BRALTO_FIXTURES="${PROJECT_SOURCE_DIR}/Tests/Fixtures"
                                                BRALTO_BIN="${CMAKE_BINARY_DIR}/bin")

@@ -150,7 +150,7 @@ void Program::buildWindow()
 QWidget* Program::makePane(ConsolePane& pane)
 {
     ClaudeChat& chat = *pane.chat();
-    auto* view = new ChatView(chat, m_theme);
+    auto* view = new ChatView(chat, m_theme, m_clock, m_files);
     connect(view, &ChatView::openFileRequested, &m_workspace, &Workspace::openFile);
     connect(view, &ChatView::openUrlRequested, this,
             [this](const QUrl& url) { m_delegate.open({url.toString()}); });

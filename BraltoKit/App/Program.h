@@ -6,6 +6,7 @@
 #include "App/ProjectProcess.h"
 #include "App/QuitSignals.h"
 #include "Base/Motion.h"
+#include "Chat/ChatFileIndex.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
 #include "Platform/ProcessDefaults.h"
@@ -77,6 +78,7 @@ private:
     ProgramChatHost m_chatHost;
     ChildProcessLauncher m_agents;
     ChatCommandMemory m_commandMemory;
+    ChatFileIndex m_files;
     Workspace m_workspace;
     Zoom m_zoom;
     Motion m_motion;

@@ -47,8 +47,10 @@ std::vector<Member> members(simdjson::dom::object object, KeyOrder order)
     for (const auto [key, value] : object)
         result.push_back({key, value, result.size()});
     std::ranges::stable_sort(result, {}, &Member::key);
-    const auto doubled = std::ranges::unique(result, {}, &Member::key);
-    result.erase(doubled.begin(), doubled.end());
+    const auto isDoubled = [](const Member& left, const Member& right) {
+        return left.key == right.key;
+    };
+    result.erase(std::unique(result.begin(), result.end(), isDoubled), result.end());
     if (order == KeyOrder::AsTheyCame)
         std::ranges::sort(result, {}, &Member::position);
     return result;

@@ -249,6 +249,7 @@ void ChatTranscript::rebuild(const QString& id, ChatTranscriptChange& change)
         blocks.removeIf([](const ChatBlock& block) { return !isShown(block); });
     ChatMessage& message = messages[*row];
     keepOutcomes(blocks, message.blocks);
+    m_needsRebuild &= !isStreaming;
 
     if (message.isStreaming == isStreaming && message.blocks == blocks)
         return;
@@ -263,11 +264,10 @@ void ChatTranscript::appendToPartial(Partials::iterator partial, const QString& 
                                      ChatTranscriptChange& change)
 {
     QString* const streamed = streamedText(partial->second);
-    if (!streamed)
-        return;
-    QString* const shown = shownText(partial);
-    if (!shown) {
-        streamed->append(text);
+    QString* const shown = m_needsRebuild ? nullptr : shownText(partial);
+    if (!streamed || !shown) {
+        if (streamed)
+            streamed->append(text);
         rebuild(*m_streamingId, change);
         return;
     }
@@ -343,6 +343,7 @@ void ChatTranscript::setOutcome(const QString& callId, ChatToolStatus callStatus
     outcome.resultImages = images ? *images : call.resultImages;
     if (!haveSameOutcome(call, outcome)) {
         takeOutcome(std::get<ChatToolCall>(shown[place->block]), outcome);
+        m_needsRebuild = true;
         change.touch(place->row);
     }
     if (!isFinished)

@@ -131,6 +131,8 @@ private:
     /// Tool call id to the last row that showed it once; where to look first.
     QHash<QString, std::size_t> m_callRows;
     bool m_mayStream = false; ///< False if no message has `isStreaming` set.
+    /// The streamed message may hold a call twice, and only one of them has the outcome yet.
+    bool m_needsRebuild = false;
 };
 
 /// What a subagent said, by the id of the call that started it.

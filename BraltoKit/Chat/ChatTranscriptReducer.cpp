@@ -179,14 +179,14 @@ public:
     {
         m_change.merge(m_it.finishTurn());
         const ChatSessionInfo before = m_it.status;
-        ChatSessionInfo& status = m_it.status;
+        ChatSessionInfo& info = m_it.status;
         if (event.costUSD) {
             m_it.runCost = *event.costUSD;
-            status.costUSD = m_it.earlierCost + *event.costUSD;
+            info.costUSD = m_it.earlierCost + *event.costUSD;
         }
         if (event.tokens)
-            status.totalTokens = saturatingSum(status.totalTokens, *event.tokens);
-        store(status.contextWindow, contextWindow(event.contextWindows));
+            info.totalTokens = saturatingSum(info.totalTokens, *event.tokens);
+        store(info.contextWindow, contextWindow(event.contextWindows));
         noteStatus(before);
     }
 
@@ -289,7 +289,7 @@ private:
 
     void attach(const ChatToolResult& result)
     {
-        const auto status = result.isError ? ChatToolStatus::Failed : ChatToolStatus::Done;
+        const auto outcome = result.isError ? ChatToolStatus::Failed : ChatToolStatus::Done;
         const auto agent = std::ranges::find(m_it.subagents, result.toolUseId, &ChatSubagent::id);
         if (agent != m_it.subagents.end()) {
             const ChatSubagent before = facts(*agent);
@@ -297,14 +297,14 @@ private:
                 // Such a result only says that the agent was started.
                 agent->isBackground = true;
             } else {
-                agent->status = status;
+                agent->status = outcome;
                 agent->activity.reset();
                 if (!agent->summary)
                     agent->summary = result.text;
             }
             noteSubagent(before, *agent);
         }
-        m_it.setOutcome(result.toolUseId, status, result.text, &result.images, m_change);
+        m_it.setOutcome(result.toolUseId, outcome, result.text, &result.images, m_change);
     }
 
     /// Folds an event of a subagent into its own transcript and shows that.

@@ -15,10 +15,7 @@ namespace Bralto::BraltoCommandLine {
 
 /// What the options bring about.
 struct Actions {
-    /// The same with the real actions and the streams of the process.
-[[nodiscard]] std::optional<int> handle(const QStringList& arguments);
-
-/// Makes the application of a folder: its bundle, or the system's words why not.
+    /// Makes the application of a folder: its bundle, or the system's words why not.
     std::function<Expected<QString, QString>(const QString& folder)> installSpace;
     QString version; ///< Of the home application.
 };
@@ -40,7 +37,11 @@ struct Streams {
 [[nodiscard]] std::optional<int> handle(const QStringList& arguments, const Actions& actions,
                                         Streams streams);
 
+/// The same with the real actions and the streams of the process.
+[[nodiscard]] std::optional<int> handle(const QStringList& arguments);
+
 /// Makes the application of `folder` as this process's part can; see `SpaceApps::install`.
-[[nodiscard]] Expected<QString, QString> installSpace(const LaunchRole& role, const QString& folder);
+[[nodiscard]] Expected<QString, QString> installSpace(const LaunchRole& role,
+                                                      const QString& folder);
 
 } // namespace Bralto::BraltoCommandLine

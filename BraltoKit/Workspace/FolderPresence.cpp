@@ -38,18 +38,26 @@ void FolderPresence::check()
 bool FolderPresence::watch()
 {
     // What came or went between the look and the watch is seen by looking again.
-    QString watched;
-    for (QString nearest = nearestExisting(m_folder); nearest != watched;
-         nearest = nearestExisting(m_folder)) {
-        watched = nearest;
-        const QStringList before = m_watcher.directories();
-        if (before == QStringList(watched))
-            continue;
-        if (!before.isEmpty())
-            m_watcher.removePaths(before);
-        m_watcher.addPath(watched);
+    QString nearest;
+    for (QString found = nearestExisting(m_folder); found != nearest;
+         found = nearestExisting(m_folder)) {
+        nearest = found;
+        watchOnly({nearest, Paths::parent(nearest)});
     }
-    return watched != m_folder;
+    return nearest != m_folder;
+}
+
+void FolderPresence::watchOnly(const QStringList& wanted)
+{
+    const QStringList watched = m_watcher.directories();
+    for (const QString& folder : watched) {
+        if (!wanted.contains(folder))
+            m_watcher.removePath(folder);
+    }
+    for (const QString& folder : wanted) {
+        if (!watched.contains(folder))
+            m_watcher.addPath(folder);
+    }
 }
 
 } // namespace Bralto

@@ -3,11 +3,13 @@
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 namespace Bralto {
 
 /// Knows whether a folder is there, and is told when it goes or comes back: it watches the folder
-/// while it is there, and while it isn't, the nearest folder above that is. Main thread.
+/// while it is there, and while it isn't, the nearest folder above that is. The folder above the
+/// watched one is watched too, since a folder doesn't tell when it is moved away. Main thread.
 class FolderPresence final : public QObject {
     Q_OBJECT
 
@@ -25,6 +27,7 @@ signals:
 private:
     /// Moves the watch to what is there now; whether the folder is missing.
     bool watch();
+    void watchOnly(const QStringList& wanted);
 
     QString m_folder;
     QFileSystemWatcher m_watcher;

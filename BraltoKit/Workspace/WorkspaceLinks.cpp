@@ -22,6 +22,9 @@ struct Overloaded : Cases... {
     using Cases::operator()...;
 };
 
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
 } // namespace
 
 void Workspace::perform(const BraltoLink& link)

@@ -13,11 +13,12 @@ Task<> count(Turn& turn, QString words)
     bool isNumber = false;
     const int asked = words.section(u' ', 0, 0).toInt(&isNumber);
     const int last = isNumber ? std::clamp(asked, 1, Most) : Usual;
-    QStringList numbers;
-    numbers.reserve(last);
-    for (int number = 1; number <= last; ++number)
-        numbers.append(QString::number(number) + (number == last ? u"." : u", "));
-    co_await turn.sayPieces(numbers, 200ms);
+    co_await turn.openText();
+    for (int number = 1; number <= last; ++number) {
+        const QString piece = QString::number(number) + (number == last ? u"." : u", ");
+        co_await turn.addText(piece, 200ms);
+    }
+    turn.endText();
 }
 
 } // namespace DemoAgent::Behaviours

@@ -2,12 +2,9 @@
 
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 
 namespace DemoAgent {
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -22,7 +19,8 @@ void keep(QByteArray& kept, const QByteArray& arrived)
 
 } // namespace
 
-ShellCommand::ShellCommand(const QString& command, const QString& folder)
+ShellCommand::ShellCommand(const QString& command, const QString& folder,
+                           std::chrono::milliseconds limit)
 {
     m_process.setWorkingDirectory(folder);
     m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
@@ -41,7 +39,7 @@ ShellCommand::ShellCommand(const QString& command, const QString& folder)
         finish(true);
     });
     m_limit.setSingleShot(true);
-    m_limit.start(10s);
+    m_limit.start(limit);
     m_process.start("/bin/sh", {"-c", command});
     group = static_cast<int>(m_process.processId());
 }
@@ -62,7 +60,8 @@ int ShellCommand::runningGroup()
 void ShellCommand::finish(bool timedOut)
 {
     m_limit.stop();
-    const bool ranToItsEnd = m_process.exitStatus() == QProcess::NormalExit && !timedOut;
+    const bool ranToItsEnd = !timedOut && m_process.exitStatus() == QProcess::NormalExit &&
+                             m_process.error() != QProcess::FailedToStart;
     m_outcome.bring({
         .output = QString::fromUtf8(m_output),
         .errors = QString::fromUtf8(m_errors),

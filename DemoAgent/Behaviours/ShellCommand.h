@@ -7,6 +7,8 @@
 #include <QString>
 #include <QTimer>
 
+#include <chrono>
+
 namespace DemoAgent {
 
 /// A command under `/bin/sh -c`, in a process group of its own. Ending its life ends the group.
@@ -19,10 +21,11 @@ public:
         bool timedOut = false;
     };
 
-    ShellCommand(const QString& command, const QString& folder);
+    ShellCommand(const QString& command, const QString& folder,
+                 std::chrono::milliseconds limit = std::chrono::seconds(10));
     ~ShellCommand();
 
-    /// Brings the outcome when the command has ended, at the latest after ten seconds. Of each
+    /// Brings the outcome when the command has ended, at the latest after the limit. Of each
     /// stream at most the first 64 KiB are kept.
     [[nodiscard]] Later<Outcome>& outcome() { return m_outcome; }
 

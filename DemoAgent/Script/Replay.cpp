@@ -42,28 +42,29 @@ public:
     {
     }
 
-    // False once the app is gone.
-    Task<bool> play(QByteArray entryText)
+    /// Plays one entry. The status to end the process with, absent as long as it goes on.
+    Task<std::optional<int>> play(QByteArray entryText)
     {
         const QJsonObject entry = QJsonDocument::fromJson(entryText).object();
         const QString from = entry.value("from").toString();
         const QJsonObject line = entry.value("line").toObject();
+        std::optional<int> status;
         if (from == u"agent") {
             co_await pauseUntil(entry.value("ms").toInteger());
             send(line, lineText(entryText));
         } else if (from == u"app") {
             const bool came = co_await waitFor(line);
             m_lastMs = entry.value("ms").toInteger();
-            co_return came;
+            if (!came)
+                status = 0;
         } else if (from == u"stderr") {
             const QByteArray text = entry.value("text").toString().toUtf8();
             std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stderr);
         } else if (from == u"exit") {
             co_await m_context.inbox.end();
-            m_context.host.endProcess(entry.value("code").toInt());
-            co_return false;
+            status = entry.value("code").toInt();
         }
-        co_return true;
+        co_return status;
     }
 
 private:
@@ -131,21 +132,20 @@ QSet<QString> subtypesInRecording(const QString& path)
 Task<> replayRecording(ScriptContext& context, const ScriptStep& step)
 {
     QFile file(pathOf(context, context.text(step)));
+    std::optional<int> status;
     if (!file.open(QFile::ReadOnly)) {
         std::fprintf(stderr, "Can't read %s\n", qPrintable(file.fileName()));
-        context.host.endProcess(2);
-        Later<bool> never;
-        co_await never;
+        status = 2;
     }
     Replay replay(context);
-    while (!file.atEnd()) {
+    while (!status && !file.atEnd()) {
         QByteArray entry = file.readLine();
-        const bool goesOn = co_await replay.play(entry);
-        if (!goesOn) {
-            context.host.endProcess(0);
-            Later<bool> never;
-            co_await never;
-        }
+        status = co_await replay.play(entry);
+    }
+    if (status) {
+        context.host.endProcess(*status);
+        Later<bool> never;
+        co_await never;
     }
 }
 

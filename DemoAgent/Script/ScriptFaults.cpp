@@ -142,6 +142,10 @@ Task<> spawn(ScriptContext& context, const ScriptStep& step)
     const QByteArray seconds = step.words.section(u' ', 0, 0).toLatin1();
     const bool ownSession = step.words.contains(u"setsid");
     const bool isQuiet = step.words.contains(u"quiet");
+    // Closed by the exec: when it ends, the child is what it shall be.
+    std::array<int, 2> ready{};
+    if (::pipe2(ready.data(), O_CLOEXEC) != 0)
+        co_return;
     const pid_t child = ::fork();
     if (child == 0) {
         if (ownSession)
@@ -155,6 +159,10 @@ Task<> spawn(ScriptContext& context, const ScriptStep& step)
         ::execlp("sleep", "sleep", seconds.constData(), nullptr);
         ::_exit(127);
     }
+    ::close(ready[1]);
+    char byte = 0;
+    [[maybe_unused]] const ssize_t end = ::read(ready[0], &byte, 1);
+    ::close(ready[0]);
     context.recorder.note({{"from", "spawn"}, {"pid", static_cast<qint64>(child)}});
     context.values.insert("pid", QString::number(child));
     co_return;

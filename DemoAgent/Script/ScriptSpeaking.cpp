@@ -5,7 +5,12 @@
 
 namespace DemoAgent {
 
+using namespace std::chrono_literals;
+
 namespace {
+
+constexpr qsizetype PieceSize = 16;
+constexpr auto PiecePause = 25ms;
 
 // The first word, and the JSON object behind it (empty if there is none).
 std::pair<QString, QJsonObject> wordAndObject(const QString& words)
@@ -52,7 +57,10 @@ Task<> text(ScriptContext& context, const ScriptStep& step)
 
 Task<> textBegin(ScriptContext& context, const ScriptStep& step)
 {
-    co_await context.ensureTurn().beginText(context.plainText(step));
+    Turn& turn = context.ensureTurn();
+    co_await turn.openText();
+    for (const QString& piece : pieces(context.plainText(step), PieceSize))
+        co_await turn.addText(piece, PiecePause);
 }
 
 Task<> textEnd(ScriptContext& context, const ScriptStep&)

@@ -389,6 +389,30 @@ TEST_F(ChildProcess, EndsWithItsGuardian)
         ::kill(pid_t(process), SIGKILL);
 }
 
+TEST_F(ChildProcess, ItsGuardianHoldsNoCopyOfTheHeap)
+{
+    constexpr std::size_t Blocks = 60'000;
+    const auto* before = static_cast<char*>(sbrk(0));
+    std::vector<std::unique_ptr<char[]>> heap;
+    for (std::size_t index = 0; index < Blocks; ++index)
+        heap.push_back(std::make_unique<char[]>(1000));
+    if (static_cast<char*>(sbrk(0)) - before < 32 << 20)
+        GTEST_SKIP() << "this build's allocator has its memory elsewhere";
+
+    start("echo ready; sleep 1000");
+    ASSERT_TRUE(m_seen.waitFor([](const Delivery& seen) { return seen.m_output == "ready\n"; }));
+    for (const auto& block : heap)
+        std::fill_n(block.get(), 1000, 'x'); // What both had in common is now twice in memory.
+
+    const QList<qint64> children = ProcessTable::childrenOf(getpid());
+    ASSERT_EQ(children.size(), 1);
+    const QByteArray memory =
+        ProcessTable::contents(QString("/proc/%1/smaps_rollup").arg(children.first()));
+    const QByteArray line = memory.mid(memory.indexOf("Private_Dirty:") + 14);
+    ASSERT_TRUE(memory.contains("Private_Dirty:"));
+    EXPECT_LT(line.left(line.indexOf("kB")).trimmed().toInt(), 8 << 10);
+}
+
 TEST_F(ChildProcess, TwoHundredLaunchesLeaveNothing)
 {
     const qsizetype before = ProcessTable::openDescriptors();

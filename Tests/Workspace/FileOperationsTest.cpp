@@ -77,7 +77,7 @@ TEST_F(FileOperationsTest, ARenameNeverTakesThePlaceOfSomethingElse)
     ASSERT_TRUE(QDir().mkdir(path("empty")));
     ASSERT_TRUE(QFile::link(path("nowhere"), path("link")));
 
-    for (const QString& taken : {"b", "empty", "link"})
+    for (const QString taken : {"b", "empty", "link"})
         EXPECT_EQ(FileOperations::rename(path("a"), path(taken)), "File exists");
     EXPECT_EQ(read(path("b")), "B");
 

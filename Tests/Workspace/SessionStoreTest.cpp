@@ -85,7 +85,7 @@ TEST_F(SharedMigrationTest, ANewUserGetsTheAgentsCommandAndIsKnownAsNew)
 
 TEST_F(SharedMigrationTest, AnyTraceInEitherDomainTellsAnExistingUser)
 {
-    for (const QString& trace : {"migrated.v1", "spaces", "spaceApps", "recentFolders",
+    for (const QString trace : {"migrated.v1", "spaces", "spaceApps", "recentFolders",
                                  "projectLastUsed", "signingIdentity", "claudeCommand"}) {
         for (const bool inShared : {true, false}) {
             SCOPED_TRACE(trace.toStdString());

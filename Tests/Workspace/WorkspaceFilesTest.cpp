@@ -235,7 +235,7 @@ TEST_F(WorkspaceFilesTest, TheSelectedFolderIsTheFolderOrTheFilesOwnElseTheProje
 
 TEST_F(WorkspaceFilesTest, RenamingAFolderMovesTheDocumentsInsideItAndNoOthers)
 {
-    for (const QString& name : {"src/a", "src/deep/b", "src2/c", "src.txt"}) {
+    for (const QString name : {"src/a", "src/deep/b", "src2/c", "src.txt"}) {
         desk.write(name);
         open(name);
     }
@@ -298,7 +298,7 @@ TEST_F(WorkspaceFilesTest, ARenameThatFailsIsReportedAndChangesNothing)
 
 TEST_F(WorkspaceFilesTest, TrashingAFolderClosesItsDocumentsWithoutAQuestionAndForGood)
 {
-    for (const QString& name : {"src/a", "src2/b"}) {
+    for (const QString name : {"src/a", "src2/b"}) {
         desk.write(name);
         open(name)->setText("edited");
     }

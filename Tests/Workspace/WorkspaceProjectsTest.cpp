@@ -38,7 +38,7 @@ TEST_F(WorkspaceProjectsTest, AProjectFolderIsMadeWithAllAboveIt)
 
 TEST_F(WorkspaceProjectsTest, ANameThatIsNoneIsRefused)
 {
-    for (const QString& name : {"", "  ", ".hidden", "a/b", "a:b"}) {
+    for (const QString name : {"", "  ", ".hidden", "a/b", "a:b"}) {
         SCOPED_TRACE(name.toStdString());
         const auto folder = workspace->makeProjectFolder(name, projects());
         ASSERT_FALSE(folder);
