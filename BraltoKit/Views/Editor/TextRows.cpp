@@ -89,11 +89,12 @@ std::vector<qsizetype> TextRows::breaks(int line, int wanted) const
     int used = 0;
     int usedByWord = 0;
     walk(text, [&](qsizetype at, qsizetype, int width) {
-        if (used + width > m_columns && used > 0) {
+        // A blank that doesn't fit hangs over the end, where it can't be seen.
+        if (used + width > m_columns && used > 0 && text[at] != u' ') {
             if (int(starts.size()) == wanted)
                 return false;
             // A word that fills the row from its start can't be moved to the next.
-            const bool movesWord = word > starts.back() && text[at] != u' ';
+            const bool movesWord = word > starts.back();
             starts.push_back(movesWord ? word : at);
             used = movesWord ? usedByWord : 0;
         }
