@@ -111,6 +111,8 @@ std::vector<Recent> recents()
 
 SampleProject::SampleProject(const SpaceTheme& look)
 {
+    // Paths show with "~", as they do in a home folder.
+    qputenv("HOME", m_harness.home().toUtf8());
     writeFiles();
     writeRecents();
     SpaceStore::save(m_harness.shared, look, folder("tidal-api"));
@@ -144,6 +146,7 @@ void SampleProject::writeRecents()
     const QDateTime now = m_harness.chats.clock.now();
     for (const Recent& recent : recents()) {
         const QString path = folder(recent.name);
+        QDir().mkpath(path);
         paths.append(path);
         SpaceTheme look;
         look.icon = recent.icon;

@@ -97,8 +97,8 @@ bool take(const Shot& shot, const QString& folder)
     if (shot.arrange)
         shot.arrange(project);
     WindowChrome window(services.theme, services.workspace, {}, WindowChrome::Frame::Own);
-    if (shot.where == Where::Home) {
-        // The home application has the look of a project that nobody has styled.
+    if (shot.where != Where::Project) {
+        // Without a project there is no look of a project; the picture shows this one.
         look.icon = SpaceTheme::Mark{};
         services.theme.setSpace(look);
     }
@@ -171,6 +171,7 @@ int main(int argc, char** argv)
     }
     QDir().mkpath(arguments[1]);
     const QString wanted = arguments.value(2);
+    QCursor::setPos(2190, 1290);
     bool saved = true;
     for (const Shot& shot : shots()) {
         if (wanted.isEmpty() || wanted == shot.name)

@@ -13,7 +13,7 @@ namespace {
 
 using Shortcuts::Command;
 
-constexpr int Left = 8;
+constexpr int Left = 6;
 constexpr int Right = 7;
 constexpr int Gap = 2;
 constexpr int LeastChip = 44;

@@ -1,5 +1,6 @@
 #include "Views/Editor/CodeText.h"
 
+#include "Views/Kit/CodeLine.h"
 #include "Views/Kit/Fonts.h"
 #include "Views/Kit/PopupMenu.h"
 #include "Views/Kit/SlimScrollBar.h"
@@ -44,21 +45,21 @@ CodeText::CodeText(Theme& theme, QWidget* parent)
 
 double CodeText::columnWidth() const
 {
-    return QFontMetricsF(Bralto::font(TextRole::Code)).horizontalAdvance(u'0');
+    return CodeLine::columnWidth(Bralto::font(TextRole::Code, m_zoom));
 }
 
 int CodeText::rowHeight() const
 {
-    return lineHeight(TextRole::Code);
+    return lineHeight(TextRole::Code, m_zoom);
 }
 
 int CodeText::textLeft() const
 {
     const auto digits = QString::number(m_rows.lineCount()).size();
     const double digit =
-        QFontMetricsF(Bralto::font(TextRole::GutterNumber)).horizontalAdvance(u'0');
+        QFontMetricsF(Bralto::font(TextRole::GutterNumber, m_zoom)).horizontalAdvance(u'0');
     const double more = std::max<double>(0, double(digits - DigitsInGutter)) * digit;
-    return Measure::Gutter + int(std::ceil(more));
+    return int(std::ceil(Measure::Gutter * m_zoom + more));
 }
 
 void CodeText::setText(const QString& text)
@@ -72,6 +73,15 @@ void CodeText::setText(const QString& text)
     };
     m_cursor = within(m_cursor);
     m_anchor = within(m_anchor);
+    viewport()->update();
+}
+
+void CodeText::setZoom(double zoom)
+{
+    if (m_zoom == zoom)
+        return;
+    m_zoom = zoom;
+    layOut();
     viewport()->update();
 }
 
@@ -132,7 +142,7 @@ void CodeText::paintGutter(QPainter& painter, const TextRows::Row& row, const QR
         painter.fillRect(band, tokens.hover);
     if (row.rowInLine > 0)
         return;
-    painter.setFont(Bralto::font(TextRole::GutterNumber));
+    painter.setFont(Bralto::font(TextRole::GutterNumber, m_zoom));
     painter.setPen(isCurrent ? tokens.label : tokens.ink3);
     painter.drawText(QRectF(0, band.top(), textLeft() - Measure::GutterRight, band.height()),
                      Qt::AlignRight | Qt::AlignVCenter, QString::number(row.line + 1));
@@ -161,14 +171,20 @@ void CodeText::paintRow(QPainter& painter, const TextRows::Row& row, const QRect
 {
     const std::vector<RowPiece> pieces = rowPieces(row.text);
     paintSelection(painter, row, pieces, band);
-    painter.setFont(Bralto::font(TextRole::Code));
+    const QFont face = Bralto::font(TextRole::Code, m_zoom);
     painter.setPen(m_theme.tokens().label);
-    const QFontMetricsF metrics(painter.font());
+    const QFontMetricsF metrics(face);
     const double baseline = band.top() + (band.height() + metrics.ascent() - metrics.descent()) / 2;
     for (const RowPiece& piece : pieces) {
-        if (piece.isVisible)
-            painter.drawText(QPointF(textLeft() + piece.column * columnWidth(), baseline),
-                             piece.text.toString());
+        const QPointF origin(textLeft() + piece.column * columnWidth(), baseline);
+        if (!piece.isVisible)
+            continue;
+        if (piece.isSimple) {
+            CodeLine::draw(painter, origin, piece.text, face);
+        } else {
+            painter.setFont(face);
+            painter.drawText(origin, piece.text.toString());
+        }
     }
 
     const qsizetype caret = m_cursor.offset - row.offset;

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] const QString& text() const { return m_rows.text(); }
     [[nodiscard]] TextRows::Place cursor() const { return m_cursor; }
     void setCursor(TextRows::Place place);
+    /// A factor for all sizes.
+    void setZoom(double zoom);
     [[nodiscard]] QString selectedText() const;
     void selectAll();
     void copy() const;
@@ -62,6 +64,7 @@ private:
     TextRows m_rows;
     TextRows::Place m_cursor;
     TextRows::Place m_anchor;
+    double m_zoom = 1;
     int m_wantedColumn = -1; ///< What up and down aim at; negative while there is none.
 };
 

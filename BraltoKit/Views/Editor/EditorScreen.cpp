@@ -29,7 +29,17 @@ EditorScreen::EditorScreen(const ViewServices& services, const WorkspaceTab& tab
     connect(&document(), &EditorDocument::pathChanged, this, &EditorScreen::rebuild);
     connect(&document(), &EditorDocument::saveErrorChanged, this, &EditorScreen::showPill);
     connect(&document(), &EditorDocument::cursorChanged, this, &EditorScreen::showPill);
+    connect(&services.zoom, &Zoom::changed, this, &EditorScreen::applyZoom);
     rebuild();
+}
+
+void EditorScreen::applyZoom()
+{
+    const double level = m_services.zoom.level(Zoom::Area::Editor);
+    if (m_code)
+        m_code->setZoom(level);
+    if (m_prose)
+        m_prose->setZoom(level);
 }
 
 void EditorScreen::rebuild()
@@ -55,6 +65,7 @@ void EditorScreen::rebuild()
     setFocusProxy(m_body);
     m_body->lower();
     m_body->show();
+    applyZoom();
     showText();
     place();
     if (hadFocus)

@@ -30,6 +30,7 @@ private:
     void buildProse();
     void showText();
     void showPill();
+    void applyZoom();
     void place();
     [[nodiscard]] EditorDocument& document() const { return *m_tab.document(); }
 

@@ -50,10 +50,20 @@ void ProseText::setProse(const QString& text)
     setTextCursor(cursor);
 }
 
+void ProseText::setZoom(double zoom)
+{
+    if (m_zoom == zoom)
+        return;
+    m_zoom = zoom;
+    document()->setDefaultFont(Bralto::font(TextRole::Prose, zoom));
+    setLines();
+    applyMargins();
+}
+
 void ProseText::setLines()
 {
     QTextBlockFormat lines;
-    lines.setLineHeight(lineHeight(TextRole::Prose), QTextBlockFormat::FixedHeight);
+    lines.setLineHeight(lineHeight(TextRole::Prose, m_zoom), QTextBlockFormat::FixedHeight);
     QTextCursor all(document());
     all.select(QTextCursor::Document);
     all.setBlockFormat(lines);
@@ -75,7 +85,7 @@ int ProseText::cursorColumn() const
 
 void ProseText::applyMargins()
 {
-    const int side = std::max(Measure::ProseSide, (width() - Measure::ProseColumn) / 2);
+    const int side = std::max(Measure::ProseSide, int(width() - Measure::ProseColumn * m_zoom) / 2);
     setViewportMargins(side, 0, side, 0);
 }
 

@@ -14,6 +14,8 @@ public:
     explicit ProseText(Theme& theme, QWidget* parent = nullptr);
 
     void setProse(const QString& text);
+    /// A factor for all sizes of the text.
+    void setZoom(double zoom);
     /// Line and column of the cursor, from 1.
     [[nodiscard]] int cursorLine() const;
     [[nodiscard]] int cursorColumn() const;
@@ -28,6 +30,7 @@ private:
     void setLines();
 
     Theme& m_theme;
+    double m_zoom = 1;
 };
 
 } // namespace Bralto

@@ -13,6 +13,22 @@ bool isSimple(QChar character)
     return character >= u' ' && character < char16_t(0x300);
 }
 
+/// Lets the last piece reach to `end`; its last letter becomes a piece of its own if need be.
+void addMark(std::vector<RowPiece>& pieces, QStringView row, qsizetype end)
+{
+    RowPiece& last = pieces.back();
+    if (!last.isSimple || last.text.size() == 1) {
+        last.text = row.sliced(last.offset, end - last.offset);
+        last.isSimple = false;
+        return;
+    }
+    const qsizetype letter = last.offset + last.text.size() - 1;
+    last.text.chop(1);
+    --last.width;
+    pieces.push_back(
+        {row.sliced(letter, end - letter), last.column + last.width, 1, letter, true, false});
+}
+
 } // namespace
 
 std::vector<RowPiece> rowPieces(QStringView row)
@@ -25,7 +41,7 @@ std::vector<RowPiece> rowPieces(QStringView row)
             ++end;
         if (end > at) {
             const int width = int(end - at);
-            pieces.push_back({row.sliced(at, end - at), column, width, at, true});
+            pieces.push_back({row.sliced(at, end - at), column, width, at, true, true});
             column += width;
             at = end;
             continue;
@@ -37,10 +53,10 @@ std::vector<RowPiece> rowPieces(QStringView row)
         const int width = TextRows::widthOf(character, column);
         if (width == 0 && !pieces.empty() && pieces.back().isVisible) {
             // A mark is drawn with the letter that it stands on.
-            RowPiece& letter = pieces.back();
-            letter.text = row.sliced(letter.offset, at + length - letter.offset);
+            addMark(pieces, row, at + length);
         } else {
-            pieces.push_back({row.sliced(at, length), column, width, at, character != U'\t'});
+            pieces.push_back(
+                {row.sliced(at, length), column, width, at, character != U'\t', false});
         }
         column += width;
         at += length;

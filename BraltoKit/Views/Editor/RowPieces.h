@@ -15,6 +15,7 @@ struct RowPiece {
     int width = 0;         ///< In columns.
     qsizetype offset = 0;  ///< In the row.
     bool isVisible = true; ///< A tab has nothing to draw.
+    bool isSimple = false; ///< Every character takes one column.
 };
 
 /// The pieces of a row from left to right.

@@ -6,6 +6,9 @@
 namespace Bralto {
 namespace {
 
+/// Longer lines are made by machines, for machines.
+constexpr qsizetype LongestWrapped = 5000;
+
 /// Scripts whose characters fill two columns of a fixed face.
 bool isWide(char32_t character)
 {
@@ -62,9 +65,9 @@ TextRows::TextRows(const QString& text)
 {
     for (qsizetype at = m_text.indexOf(u'\n'); at >= 0; at = m_text.indexOf(u'\n', at + 1))
         m_starts.push_back(at + 1);
-    m_isPlain.resize(m_starts.size());
+    m_isCut.resize(m_starts.size());
     for (int at = 0; at < lineCount(); ++at)
-        m_isPlain[std::size_t(at)] = isPlain(line(at));
+        m_isCut[std::size_t(at)] = line(at).size() > LongestWrapped && isPlain(line(at));
     wrap(m_columns);
 }
 
@@ -80,16 +83,27 @@ QStringView TextRows::line(int line) const
 
 std::vector<qsizetype> TextRows::breaks(int line, int wanted) const
 {
+    const QStringView text = this->line(line);
     std::vector<qsizetype> starts = {0};
+    qsizetype word = 0; // where the word begins that is being walked
     int used = 0;
-    walk(this->line(line), [&](qsizetype at, qsizetype, int width) {
-        if (used + width > m_columns && used > 0) {
+    int usedByWord = 0;
+    walk(text, [&](qsizetype at, qsizetype, int width) {
+        // A blank that doesn't fit hangs over the end, where it can't be seen.
+        if (used + width > m_columns && used > 0 && text[at] != u' ') {
             if (int(starts.size()) == wanted)
                 return false;
-            starts.push_back(at);
-            used = 0;
+            // A word that fills the row from its start can't be moved to the next.
+            const bool movesWord = word > starts.back();
+            starts.push_back(movesWord ? word : at);
+            used = movesWord ? usedByWord : 0;
         }
         used += width;
+        usedByWord += width;
+        if (text[at] == u' ' || text[at] == u'\t') {
+            word = at + 1;
+            usedByWord = 0;
+        }
         return true;
     });
     return starts;
@@ -98,7 +112,7 @@ std::vector<qsizetype> TextRows::breaks(int line, int wanted) const
 int TextRows::countRows(int line) const
 {
     const qsizetype size = this->line(line).size();
-    if (m_isPlain[std::size_t(line)])
+    if (m_isCut[std::size_t(line)])
         return std::max(1, int((size + m_columns - 1) / m_columns));
     // A line of so few characters fits, whatever they are.
     if (size * TabWidth <= m_columns)
@@ -131,7 +145,7 @@ TextRows::Row TextRows::row(int row) const
     const QStringView text = this->line(line);
     qsizetype start = 0;
     qsizetype end = text.size();
-    if (m_isPlain[std::size_t(line)]) {
+    if (m_isCut[std::size_t(line)]) {
         start = qsizetype(inLine) * m_columns;
         end = std::min(end, start + m_columns);
     } else if (const std::vector<qsizetype> starts = breaks(line, inLine + 2);
@@ -146,7 +160,7 @@ TextRows::Row TextRows::row(int row) const
 int TextRows::rowOf(Place place) const
 {
     const int first = firstRow(place.line);
-    if (m_isPlain[std::size_t(place.line)]) {
+    if (m_isCut[std::size_t(place.line)]) {
         const int last = countRows(place.line) - 1;
         return first + std::min(last, int(place.offset / m_columns));
     }

@@ -58,12 +58,13 @@ public:
 
 private:
     [[nodiscard]] int countRows(int line) const;
-    /// Where the rows of a line begin, as far as `wanted` of them. Of a line that isn't plain.
+    /// Where the rows of a line begin, as far as `wanted` of them. Of a line that isn't cut.
     [[nodiscard]] std::vector<qsizetype> breaks(int line, int wanted) const;
 
     QString m_text;
     std::vector<qsizetype> m_starts = {0};
-    std::vector<bool> m_isPlain = {true}; ///< Every character of the line takes one column.
+    /// Lines of absurd length whose characters take one column each.
+    std::vector<bool> m_isCut = {false};
     std::vector<int> m_firstRows = {0};
     int m_rowCount = 1;
     int m_columns = 80;

@@ -40,6 +40,7 @@ ProjectRow::ProjectRow(const ViewServices& services, const ProjectEntry& entry, 
                    ? QLocale().toString(entry.lastUsed->toLocalTime(), QLocale::LongFormat)
                    : entry.folder);
     setFixedHeight(size == Size::Large ? Measure::ProjectRow : SmallRow);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_open->setExtent(Measure::SmallButton);
     m_more->setTip(tr("More"));
     // Return opens the row itself, and the menu key has its menu.

@@ -115,6 +115,7 @@ QWidget* ProjectsHome::makeHead()
     row->addWidget(open);
     m_more = new IconButton(theme(), Ground::Sheet, QStringLiteral("ellipsis"));
     m_more->setExtent(Measure::LargeButton, Measure::RowIcon);
+    m_more->setFilled(true);
     m_more->setTip(tr("More"));
     connect(m_more, &IconButton::clicked, this, [this] {
         const std::unique_ptr<QMenu> menu = makeMenu();

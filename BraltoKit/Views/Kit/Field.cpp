@@ -78,7 +78,10 @@ void Field::paintEvent(QPaintEvent* event)
                        QRectF(Padding + 2, (height() - Measure::RowIcon) / 2.0, Measure::RowIcon,
                               Measure::RowIcon),
                        m_symbol, tokens.ink3);
-        if (!m_hint.isEmpty() && text().isEmpty() && !hasFocus())
+        const double words = TextLine::width(TextRole::Body, placeholderText()) +
+                             TextLine::width(TextRole::Caption, m_hint);
+        const bool hasRoom = words < width() - 2.0 * SymbolColumn - 2.0 * Padding;
+        if (hasRoom && text().isEmpty() && !hasFocus())
             TextLine::draw(painter, QRectF(rect()).adjusted(0, 0, -Padding - 2, 0),
                            TextRole::Caption, tokens.ink3, m_hint, Qt::ElideNone, Qt::AlignRight);
     }

@@ -50,7 +50,7 @@ std::vector<float> blurredSquare(int side, int margin, int radius, int blur)
     for (int y = 0; y < side; ++y)
         std::copy_n(shape.constScanLine(y), side, values.data() + std::ptrdiff_t(y) * side);
     for (int pass = 0; pass < 6; ++pass) {
-        blurRows(values, side, side, std::max(1, blur / 4));
+        blurRows(values, side, side, std::max(1, blur / 2));
         std::vector<float> turned(values.size());
         for (int y = 0; y < side; ++y) {
             for (int x = 0; x < side; ++x)
@@ -66,8 +66,8 @@ QPixmap shadowPicture(int radius, double ratio, const QColor& ink)
     const int margin = qRound(Measure::ShadowBlur * ratio);
     const int corner = qRound((radius + Measure::ShadowBlur) * ratio);
     const int side = 2 * (margin + corner) + 1;
-    const std::vector<float> values = blurredSquare(side, margin, qRound(radius * ratio),
-                                                    qRound(Measure::ShadowBlur * ratio / 2));
+    const std::vector<float> values =
+        blurredSquare(side, margin, qRound(radius * ratio), qRound(Measure::ShadowBlur * ratio));
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < side; ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));

@@ -37,10 +37,18 @@ void IconButton::setQuiet(bool quiet)
     update();
 }
 
+void IconButton::setFilled(bool filled)
+{
+    m_filled = filled;
+    update();
+}
+
 void IconButton::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     const double radius = std::min<double>(Measure::ControlRadius, m_side / 3.0);
+    if (m_filled)
+        Shape::fill(painter, rect(), radius, pressedFill());
     if (isEnabled() && (isDown() || isChecked())) {
         Shape::fill(painter, rect(), radius, pressedFill());
     } else if (isEnabled() && hoverAmount() > 0) {

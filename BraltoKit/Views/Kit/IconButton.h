@@ -17,6 +17,8 @@ public:
     [[nodiscard]] const QString& symbol() const { return m_symbol; }
     /// The symbol in the second ink until the pointer is over it.
     void setQuiet(bool quiet);
+    /// With the fill of a plain button.
+    void setFilled(bool filled);
 
     [[nodiscard]] QSize sizeHint() const override { return {m_side, m_side}; }
 
@@ -28,6 +30,7 @@ private:
     int m_side = Measure::IconButton;
     int m_symbolSize = Measure::RowIcon;
     bool m_quiet = false;
+    bool m_filled = false;
 };
 
 } // namespace Bralto

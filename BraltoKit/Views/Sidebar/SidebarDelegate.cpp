@@ -17,7 +17,9 @@ constexpr int Gap = 8;
 constexpr int ArrowGap = 6;
 constexpr int NameGap = 7;
 constexpr int CloseSide = 20;
-constexpr int SectionBottom = 6;
+constexpr int SectionTop = 6;
+constexpr int SectionGap = 4;
+constexpr int TreeLeft = 8;
 
 QRectF square(double left, const QRectF& row, double side)
 {
@@ -28,7 +30,6 @@ QRectF square(double left, const QRectF& row, double side)
 
 struct SidebarDelegate::Paint {
     QPainter& painter;
-    const QStyleOptionViewItem& option;
     const SidebarRow& row;
     const Tokens& tokens;
     QRectF rect;
@@ -42,32 +43,37 @@ SidebarDelegate::SidebarDelegate(Theme& theme, const SidebarModel& model, QObjec
 {
 }
 
-QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem& /*option*/,
-                                const QModelIndex& index) const
+int SidebarDelegate::rowHeight(const QModelIndex& index) const
 {
     const SidebarRow* row = m_model.row(index);
     if (!row)
-        return {};
+        return 0;
     switch (row->kind) {
     case Kind::Section:
-        return {0, Measure::SectionHead + (index.row() > 0 ? Gap : 0)};
+        return Measure::SectionHead + (index.row() > 0 ? SectionGap : 0);
     case Kind::OpenTab:
-        return {0, Measure::SidebarRow};
+    case Kind::EmptyTitle:
+        return Measure::SidebarRow;
     case Kind::Folder:
     case Kind::File:
-        return {0, Measure::TreeRow};
-    case Kind::EmptyTitle:
-        return {0, Measure::SidebarRow};
+        return Measure::TreeRow;
     case Kind::EmptyText:
-        return {0, 2 * Measure::Space4};
+        return 2 * Measure::Space4;
     }
-    return {};
+    return 0;
 }
 
-QRect SidebarDelegate::closeButton(const QRect& row)
+QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem& /*option*/,
+                                const QModelIndex& index) const
 {
-    return {row.right() + 1 - Measure::RowRight - CloseSide + 2,
-            row.center().y() - CloseSide / 2 + 1, CloseSide, CloseSide};
+    return {0, qRound(rowHeight(index) * m_zoom)};
+}
+
+QRect SidebarDelegate::closeButton(const QRect& row) const
+{
+    const int side = qRound(CloseSide * m_zoom);
+    return {row.right() + 3 - qRound(Measure::RowRight * m_zoom) - side,
+            row.center().y() - side / 2 + 1, side, side};
 }
 
 void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -77,11 +83,12 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     if (!row)
         return;
     const Tokens& tokens = m_theme.tokens();
-    const Paint paint{*painter,
-                      option,
-                      *row,
-                      tokens,
-                      QRectF(option.rect),
+    painter->save();
+    // Everything below is laid out at zoom 1; the painter does the rest.
+    painter->translate(option.rect.topLeft());
+    painter->scale(m_zoom, m_zoom);
+    const Paint paint{*painter, *row, tokens,
+                      QRectF(QPointF(), QSizeF(option.rect.size()) / m_zoom),
                       bool(option.state & QStyle::State_MouseOver)};
     if (row->isAction()) {
         if (row->isSelected)
@@ -92,22 +99,11 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
             Shape::ring(*painter, paint.rect, Measure::ControlRadius, Measure::FocusRing,
                         tokens.frame.label);
     }
-
-    const QRectF words = paint.rect.adjusted(Measure::RowLeft, 0, -Measure::RowRight, 0);
     switch (row->kind) {
-    case Kind::Section: {
-        QRectF line = words;
-        line.setTop(line.bottom() - SectionBottom - Measure::Space4);
-        line.setHeight(Measure::Space4);
-        TextLine::draw(*painter, line, TextRole::CaptionStrong, tokens.frame.ink2, row->text);
-        break;
-    }
+    case Kind::Section:
     case Kind::EmptyTitle:
-        TextLine::draw(*painter, words, TextRole::BodyMedium, tokens.frame.label, row->text);
-        break;
     case Kind::EmptyText:
-        TextLine::draw(*painter, words.adjusted(0, -Gap, 0, -Gap), TextRole::Secondary,
-                       tokens.frame.ink2, row->text);
+        paintWords(paint);
         break;
     case Kind::OpenTab:
         paintOpenTab(paint);
@@ -117,6 +113,25 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
         paintNode(paint);
         break;
     }
+    painter->restore();
+}
+
+void SidebarDelegate::paintWords(const Paint& paint) const
+{
+    const Tokens::Frame& frame = paint.tokens.frame;
+    QRectF words = paint.rect.adjusted(Measure::RowLeft, 0, -Measure::RowRight, 0);
+    TextRole role = TextRole::Secondary;
+    QColor ink = frame.ink2;
+    if (paint.row.kind == Kind::Section) {
+        role = TextRole::CaptionStrong;
+        words.setTop(words.bottom() - Measure::SectionHead + SectionTop);
+    } else if (paint.row.kind == Kind::EmptyTitle) {
+        role = TextRole::BodyMedium;
+        ink = frame.label;
+    } else {
+        words.translate(0, -Gap);
+    }
+    TextLine::draw(paint.painter, words, role, ink, paint.row.text);
 }
 
 void SidebarDelegate::paintOpenTab(const Paint& paint) const
@@ -127,7 +142,8 @@ void SidebarDelegate::paintOpenTab(const Paint& paint) const
                paint.row.isSelected ? frame.label : frame.ink2);
     x += Measure::RowIcon + Gap;
 
-    const QRectF close = closeButton(paint.option.rect);
+    const QRectF close(paint.rect.right() + 2 - Measure::RowRight - CloseSide,
+                       paint.rect.center().y() - CloseSide / 2.0, CloseSide, CloseSide);
     const bool hasMark = paint.isHovered || paint.row.isUnsaved;
     const double right = hasMark ? close.left() : paint.rect.right() - Measure::RowRight;
     TextLine::draw(paint.painter, QRectF(x, paint.rect.top(), right - x, paint.rect.height()),
@@ -144,7 +160,7 @@ void SidebarDelegate::paintOpenTab(const Paint& paint) const
 void SidebarDelegate::paintNode(const Paint& paint) const
 {
     const Tokens::Frame& frame = paint.tokens.frame;
-    double x = paint.rect.left() + Measure::RowLeft + paint.row.depth * Measure::TreeIndent;
+    double x = paint.rect.left() + TreeLeft + paint.row.depth * Measure::TreeIndent;
     if (paint.row.kind == Kind::Folder)
         Icon::draw(paint.painter, square(x, paint.rect, Measure::TreeArrow),
                    paint.row.isExpanded ? QStringLiteral("chevron.down")

@@ -20,16 +20,21 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
 
+    /// A factor for all sizes.
+    void setZoom(double zoom) { m_zoom = zoom; }
     /// Where the close button of an open row lies.
-    [[nodiscard]] static QRect closeButton(const QRect& row);
+    [[nodiscard]] QRect closeButton(const QRect& row) const;
 
 private:
     struct Paint;
+    [[nodiscard]] int rowHeight(const QModelIndex& index) const;
+    void paintWords(const Paint& paint) const;
     void paintOpenTab(const Paint& paint) const;
     void paintNode(const Paint& paint) const;
 
     Theme& m_theme;
     const SidebarModel& m_model;
+    double m_zoom = 1;
 };
 
 } // namespace Bralto

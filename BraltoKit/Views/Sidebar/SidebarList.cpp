@@ -17,15 +17,17 @@ namespace Bralto {
 
 using Kind = SidebarRow::Kind;
 
-SidebarList::SidebarList(Theme& theme, Workspace& workspace, Desktop& desktop, QWidget* parent)
+SidebarList::SidebarList(const ViewServices& services, QWidget* parent)
     : QListView(parent)
-    , m_theme(theme)
-    , m_workspace(workspace)
-    , m_desktop(desktop)
-    , m_model(new SidebarModel(workspace, this))
+    , m_theme(services.theme)
+    , m_workspace(services.workspace)
+    , m_desktop(services.desktop)
+    , m_zoom(services.zoom)
+    , m_model(new SidebarModel(services.workspace, this))
+    , m_delegate(new SidebarDelegate(services.theme, *m_model, this))
 {
     setModel(m_model);
-    setItemDelegate(new SidebarDelegate(theme, *m_model, this));
+    setItemDelegate(m_delegate);
     setAccessibleName(tr("Files"));
     setFrameShape(QFrame::NoFrame);
     setSelectionMode(QAbstractItemView::NoSelection);
@@ -37,10 +39,18 @@ SidebarList::SidebarList(Theme& theme, Workspace& workspace, Desktop& desktop, Q
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_Hover);
     setAttribute(Qt::WA_NoSystemBackground);
-    new SlimScrollBar(theme, Ground::Frame, *this);
-    connect(&theme, &Theme::changed, viewport(), qOverload<>(&QWidget::update));
-    connect(&workspace, &Workspace::sidebarSelectionChanged, this, &SidebarList::showSelected);
+    new SlimScrollBar(m_theme, Ground::Frame, *this);
+    connect(&m_theme, &Theme::changed, viewport(), qOverload<>(&QWidget::update));
+    connect(&m_workspace, &Workspace::sidebarSelectionChanged, this, &SidebarList::showSelected);
+    connect(&m_zoom, &Zoom::changed, this, &SidebarList::applyZoom);
+    applyZoom();
     showSelected();
+}
+
+void SidebarList::applyZoom()
+{
+    m_delegate->setZoom(m_zoom.level(Zoom::Area::Files));
+    scheduleDelayedItemsLayout();
 }
 
 void SidebarList::showSelected()
@@ -141,7 +151,7 @@ void SidebarList::mousePressEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton)
         m_pressedClose =
             row->kind == Kind::OpenTab &&
-            SidebarDelegate::closeButton(visualRect(index)).contains(event->position().toPoint());
+            m_delegate->closeButton(visualRect(index)).contains(event->position().toPoint());
     if (!m_pressedClose)
         select(index);
 }
@@ -154,7 +164,7 @@ void SidebarList::mouseReleaseEvent(QMouseEvent* event)
         return;
     if (!m_pressedClose)
         open(index);
-    else if (SidebarDelegate::closeButton(visualRect(index)).contains(point))
+    else if (m_delegate->closeButton(visualRect(index)).contains(point))
         closeTab(index);
 }
 
@@ -254,7 +264,7 @@ bool SidebarList::viewportEvent(QEvent* event)
             return true;
         const QRect area = visualRect(index);
         const bool onClose =
-            row->kind == Kind::OpenTab && SidebarDelegate::closeButton(area).contains(help->pos());
+            row->kind == Kind::OpenTab && m_delegate->closeButton(area).contains(help->pos());
         const QString text = onClose ? tr("Close") : index.data(Qt::ToolTipRole).toString();
         if (!text.isEmpty())
             ToolTip::show(*viewport(), help->globalPos(), text, area);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Views/Kit/Theme.h"
+#include "Views/ViewServices.h"
 
 #include <QListView>
 #include <QMenu>
@@ -9,9 +9,8 @@
 
 namespace Bralto {
 
-class Desktop;
+class SidebarDelegate;
 class SidebarModel;
-class Workspace;
 
 /// The open tabs and the file tree, in one list that the pointer and the keyboard can walk: arrows
 /// move and open folders, Return opens, F2 renames, Delete moves to the trash.
@@ -19,7 +18,7 @@ class SidebarList final : public QListView {
     Q_OBJECT
 
 public:
-    SidebarList(Theme& theme, Workspace& workspace, Desktop& desktop, QWidget* parent);
+    SidebarList(const ViewServices& services, QWidget* parent);
 
     [[nodiscard]] const SidebarModel& rows() const { return *m_model; }
     /// The context menu of a row, or of the project below the last one.
@@ -41,11 +40,14 @@ private:
     void closeTab(const QModelIndex& index);
     bool walkTree(int key);
     void showSelected();
+    void applyZoom();
 
     Theme& m_theme;
     Workspace& m_workspace;
     Desktop& m_desktop;
+    Zoom& m_zoom;
     SidebarModel* m_model;
+    SidebarDelegate* m_delegate;
     QPersistentModelIndex m_pressed;
     bool m_pressedClose = false;
 };

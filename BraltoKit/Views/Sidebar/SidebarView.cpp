@@ -10,7 +10,7 @@ namespace Bralto {
 
 SidebarView::SidebarView(const ViewServices& services, QWidget* parent)
     : ThemedWidget(services.theme, parent)
-    , m_list(new SidebarList(services.theme, services.workspace, services.desktop, this))
+    , m_list(new SidebarList(services, this))
 {
     WindowFocus::mark(*this, FocusArea::Sidebar);
     auto* column = new QVBoxLayout(this);

@@ -73,6 +73,8 @@ void Sheet::setContent(QWidget* content)
 void Sheet::setSheetGeometry(const QRect& rect)
 {
     setGeometry(rect.adjusted(-Edge, -Edge, Edge, Edge));
+    // A hidden sheet hears of its size only when it shows, and what lies on it is placed before.
+    place();
 }
 
 void Sheet::paintEvent(QPaintEvent* /*event*/)
@@ -83,6 +85,11 @@ void Sheet::paintEvent(QPaintEvent* /*event*/)
 }
 
 void Sheet::resizeEvent(QResizeEvent* /*event*/)
+{
+    place();
+}
+
+void Sheet::place()
 {
     const QRect sheet = sheetRect();
     if (m_content)

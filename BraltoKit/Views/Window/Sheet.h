@@ -33,6 +33,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void place();
+
     On m_on;
     QWidget* m_content = nullptr;
     std::array<QWidget*, 4> m_corners;

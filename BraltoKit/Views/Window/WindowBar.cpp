@@ -177,7 +177,7 @@ void WindowBar::build()
     m_sidebar = button(QStringLiteral("sidebar.left"));
     connect(m_sidebar, &IconButton::clicked, &m_workspace, &Workspace::toggleSidebar);
     row->addWidget(m_sidebar);
-    row->addSpacing(Measure::Space1);
+    row->addSpacing(Measure::Space1 + Measure::BarGap);
     m_project = new ProjectTitle(theme(), m_workspace, this);
     row->addWidget(m_project, 0);
     row->addStretch(1);

@@ -49,6 +49,8 @@ WindowChrome::WindowChrome(Theme& theme, Workspace& workspace, const WindowButto
         new WindowEdges(*this);
     }
     new ToolTip(theme, *this);
+    // Until something asks for the keyboard it is the window's, and not its first button's.
+    setFocus();
 
     connect(&theme, &Theme::changed, this, &WindowChrome::fadeFrame);
     connect(m_fade, &Animated::valueChanged, this, qOverload<>(&QWidget::update));
