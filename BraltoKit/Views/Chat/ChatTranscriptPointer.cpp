@@ -82,8 +82,8 @@ QRectF ChatTranscriptView::hotRect(const HotPlace& place) const
     if (hot == nullptr)
         return {};
     const ChatRow& row = m_rows.all()[place.row];
-    return hot->rect.translated(columnLeft(),
-                                row.top + row.layout->parts[place.part].top + TopRoom - contentTop());
+    return hot->rect.translated(columnLeft(), row.top + row.layout->parts[place.part].top +
+                                                  TopRoom - contentTop());
 }
 
 std::pair<ChatTranscriptView::Place, ChatTranscriptView::Place>

@@ -293,7 +293,8 @@ void ChatTranscriptView::updateRange(int value)
 void ChatTranscriptView::reportGeometry()
 {
     const bool followed = m_follow.follows();
-    m_follow.geometryChanged(contentTop(), viewport()->height(), m_rows.height() + TopRoom + BottomRoom);
+    m_follow.geometryChanged(contentTop(), viewport()->height(),
+                             m_rows.height() + TopRoom + BottomRoom);
     if (m_follow.follows() != followed)
         emit followingChanged(m_follow.follows());
 }
@@ -438,7 +439,7 @@ void ChatTranscriptView::paintEvent(QPaintEvent* event)
         }
         if (!row.layout->caret.isEmpty())
             Bralto::Shape::fill(painter, row.layout->caret.translated(origin), 2,
-                        m_theme.tokens().accentInk);
+                                m_theme.tokens().accentInk);
     }
 }
 
