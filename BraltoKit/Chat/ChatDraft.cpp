@@ -135,6 +135,12 @@ bool ChatDraft::runNative(const ChatCommandRoute& route)
     return true;
 }
 
+void ChatDraft::interrupt()
+{
+    if (m_isBusy)
+        emit interruptRequested();
+}
+
 void ChatDraft::respond(bool allow)
 {
     if (m_permission)

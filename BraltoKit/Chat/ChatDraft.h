@@ -71,7 +71,11 @@ public:
     void setText(const QString& text, qsizetype cursor);
     /// Whether the key was taken. One that wasn't does in the field what it always does.
     bool press(const ChatKey& key);
+    /// The same for a key that was pressed in a card itself: lists and field have no part in it.
+    bool pressInCard(const ChatKey& key);
     void send();
+    /// Ends what the agent does.
+    void interrupt();
     void clear();
     /// Adds words at the end, parted by one blank from what is there.
     void append(const QString& text);
@@ -118,7 +122,6 @@ private:
     void updateLists();
     bool pressInPalette(const ChatKey& key);
     bool pressInMentions(const ChatKey& key);
-    bool pressInCard(const ChatKey& key);
     bool pressInPermission(const ChatKey& key);
     bool follow(ChatQuestionFlow::Outcome outcome);
     bool runNative(const ChatCommandRoute& route);

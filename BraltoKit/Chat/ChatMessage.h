@@ -141,6 +141,7 @@ struct ChatAttachment {
     struct Image {
         QByteArray data;
         QString mediaType;
+        QString name = {}; ///< Of the file that it was read from; empty for a pasted picture.
 
         bool operator==(const Image&) const = default;
     };

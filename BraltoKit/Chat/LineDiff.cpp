@@ -76,6 +76,9 @@ std::vector<Line> lines(const QList<ChatEdit>& edits)
     std::vector<Line> all;
     for (const ChatEdit& edit : edits) {
         std::vector<Line> some = lines(edit.before, edit.after);
+        // A file that is written whole takes nothing away: its empty text before was no line.
+        if (edit.before.isEmpty())
+            std::erase_if(some, [](const Line& line) { return line.kind == Kind::Removed; });
         all.insert(all.end(), std::make_move_iterator(some.begin()),
                    std::make_move_iterator(some.end()));
     }

@@ -29,7 +29,7 @@ struct Stats {
 /// multiply to more than 250000 aren't compared: all old lines go, then all new ones come.
 [[nodiscard]] std::vector<Line> lines(const QString& before, const QString& after);
 
-/// The lines of all edits, one after the other.
+/// The lines of all edits, one after the other. A file that is written whole only adds.
 [[nodiscard]] std::vector<Line> lines(const QList<ChatEdit>& edits);
 
 [[nodiscard]] Stats stats(const std::vector<Line>& lines);

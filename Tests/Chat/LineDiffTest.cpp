@@ -75,6 +75,11 @@ TEST(LineDiff, StatsSumOverAllEdits)
     EXPECT_TRUE(LineDiff::lines(QList<ChatEdit>{}).empty());
 }
 
+TEST(LineDiff, AFileThatIsWrittenWholeOnlyAdds)
+{
+    EXPECT_EQ(LineDiff::stats(LineDiff::lines({{"", "a\nb"}})), (LineDiff::Stats{2, 0}));
+}
+
 TEST(LineDiff, FortyLinesAreShownWholeAndOfMoreTheFirstForty)
 {
     EXPECT_EQ(LineDiff::shownLines(40, false), 40);

@@ -2,9 +2,12 @@
 /// Draws sample conversations into pictures: ChatGallery <folder>. For looking at, without a
 /// screen.
 
+#include "Panes.h"
 #include "Platform/SystemClock.h"
 #include "Samples.h"
+#include "Views/Chat/ChatComposer.h"
 #include "Views/Chat/ChatTranscriptView.h"
+#include "Views/Chat/ChatView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -72,5 +75,18 @@ int main(int argc, char** argv)
     transcript(QStringLiteral("hostile"), Samples::hostile(), {420, 1700}, true);
     transcript(QStringLiteral("streaming"), Samples::streaming(), {560, 300}, true);
     transcript(QStringLiteral("zoom"), Samples::markdown(), {900, 900}, true, 2);
+    for (const PaneSample& sample : paneSamples()) {
+        for (const bool dark : {true, false}) {
+            Pane pane(QStringLiteral("/p/tidal-api"), dark);
+            pane.view().resize(sample.size);
+            pane.view().show();
+            pane.begin();
+            pane.view().composer().field().setFocus();
+            sample.prepare(pane);
+            save(pane.view(), folder.filePath(QString::fromLatin1(sample.name) +
+                                              (dark ? QStringLiteral("-dark.png")
+                                                    : QStringLiteral("-light.png"))));
+        }
+    }
     return 0;
 }

@@ -5,10 +5,11 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
-#include <QFileInfo>
-#include <QImage>
+#include <QFuture>
 #include <QImageReader>
 #include <QMimeData>
+#include <QPromise>
+#include <QThreadPool>
 #include <QUrl>
 #include <QUuid>
 
@@ -21,25 +22,25 @@ ChatAttachment make(std::variant<ChatAttachment::Image, ChatAttachment::File> ki
     return {QUuid::createUuid().toString(QUuid::WithoutBraces), std::move(kind)};
 }
 
-ChatAttachment picture(const QImage& image)
+ChatAttachment picture(const QImage& image, const QString& name)
 {
     QByteArray png;
     QBuffer buffer(&png);
     image.save(&buffer, "PNG");
-    return make(ChatAttachment::Image{png, QStringLiteral("image/png")});
+    return make(ChatAttachment::Image{png, QStringLiteral("image/png"), name});
+}
+
+QList<ChatAttachment> attachments(const Source& source)
+{
+    QList<ChatAttachment> all;
+    for (const QString& path : source.paths)
+        all.append(attachment(path));
+    if (!source.image.isNull())
+        all.append(picture(source.image, {}));
+    return all;
 }
 
 } // namespace
-
-ChatAttachment attachment(const QString& path)
-{
-    const QString standardised = Paths::standardised(path);
-    if (FileKinds::of(standardised, false) == FileKind::Image) {
-        if (const QImage image = QImageReader(standardised).read(); !image.isNull())
-            return picture(image);
-    }
-    return make(ChatAttachment::File{standardised});
-}
 
 bool canRead(const QMimeData& data)
 {
@@ -48,25 +49,47 @@ bool canRead(const QMimeData& data)
            std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
 }
 
-QList<ChatAttachment> read(const QMimeData& data)
+Source read(const QMimeData& data)
 {
-    QList<ChatAttachment> attachments;
+    Source source;
     for (const QUrl& url : data.urls()) {
         if (url.isLocalFile())
-            attachments.append(attachment(url.toLocalFile()));
+            source.paths.append(url.toLocalFile());
     }
-    if (attachments.isEmpty() && data.hasImage()) {
-        if (const QImage image = qvariant_cast<QImage>(data.imageData()); !image.isNull())
-            attachments.append(picture(image));
+    if (source.paths.isEmpty() && data.hasImage())
+        source.image = qvariant_cast<QImage>(data.imageData());
+    return source;
+}
+
+ChatAttachment attachment(const QString& path)
+{
+    const QString standardised = Paths::standardised(path);
+    if (FileKinds::of(standardised, false) == FileKind::Image) {
+        QImageReader reader(standardised);
+        reader.setAutoTransform(true);
+        if (const QImage image = reader.read(); !image.isNull())
+            return picture(image, Paths::lastComponent(standardised));
     }
-    return attachments;
+    return make(ChatAttachment::File{standardised});
+}
+
+void load(Source source, QObject* context, std::function<void(QList<ChatAttachment>)> done)
+{
+    const auto promise = std::make_shared<QPromise<QList<ChatAttachment>>>();
+    promise->start();
+    promise->future().then(context, std::move(done));
+    QThreadPool::globalInstance()->start([promise, source = std::move(source)] {
+        promise->addResult(attachments(source));
+        promise->finish();
+    });
 }
 
 QString name(const ChatAttachment& attachment)
 {
     if (const auto* file = std::get_if<ChatAttachment::File>(&attachment.kind))
         return Paths::lastComponent(file->path);
-    return QCoreApplication::translate("ChatAttachments", "Picture");
+    const QString& name = std::get<ChatAttachment::Image>(attachment.kind).name;
+    return name.isEmpty() ? QCoreApplication::translate("ChatAttachments", "Picture") : name;
 }
 
 } // namespace Bralto::ChatAttachments

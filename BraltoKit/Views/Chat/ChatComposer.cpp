@@ -51,7 +51,7 @@ ChatComposer::ChatComposer(Theme& theme, ChatDraft& draft, QWidget* parent)
     connect(m_attach, &IconButton::clicked, this, &ChatComposer::chooseFiles);
     connect(m_send, &SendButton::clicked, this, [this] {
         if (m_send->face() == SendButton::Face::Stop)
-            emit m_draft.interruptRequested();
+            m_draft.interrupt();
         else
             m_draft.send();
     });
@@ -94,11 +94,10 @@ void ChatComposer::showAttachments()
 
 void ChatComposer::chooseFiles()
 {
-    const QStringList paths = QFileDialog::getOpenFileNames(window(), tr("Attach Files"));
-    QList<ChatAttachment> attachments;
-    for (const QString& path : paths)
-        attachments.append(ChatAttachments::attachment(path));
-    m_draft.attach(attachments);
+    ChatAttachments::Source source;
+    source.paths = QFileDialog::getOpenFileNames(window(), tr("Attach Files"));
+    ChatAttachments::load(std::move(source), this,
+                          [this](const QList<ChatAttachment>& all) { m_draft.attach(all); });
     m_field->setFocus();
 }
 

@@ -13,11 +13,11 @@ namespace {
 
 constexpr auto PlanTool = "ExitPlanMode";
 
-QString planIn(const QByteArray& json)
+QString textIn(const QByteArray& json, std::string_view key)
 {
     JsonReader reader;
     const auto input = reader.object(json);
-    return input ? input->string("plan").value_or(QString()) : QString();
+    return input ? input->string(key).value_or(QString()) : QString();
 }
 
 /// The plan of the last call that asks to leave plan mode.
@@ -28,7 +28,7 @@ QString planIn(const ChatTranscript& transcript)
         for (const ChatBlock& block : message->blocks) {
             const auto* call = std::get_if<ChatToolCall>(&block);
             if (call && call->name == QLatin1String(PlanTool))
-                return planIn(call->inputJSON.toUtf8());
+                return textIn(call->inputJSON.toUtf8(), "plan");
         }
     }
     return {};
@@ -39,9 +39,14 @@ QString planIn(const ChatTranscript& transcript)
 ChatPermissionCard::Body ChatPermissionCard::body(const ChatPermission& permission,
                                                   const ChatTranscript& transcript)
 {
-    if (permission.tool != QLatin1String(PlanTool))
-        return {permission.summary, false};
-    QString plan = planIn(permission.input);
+    if (permission.tool != QLatin1String(PlanTool)) {
+        // A command is answered for whole, not by its first line.
+        const QString command = textIn(permission.input, "command");
+        const bool isShell = permission.tool == QLatin1String("Bash") ||
+                             permission.tool == QLatin1String("PowerShell");
+        return {isShell && !command.isEmpty() ? command : permission.summary, false};
+    }
+    QString plan = textIn(permission.input, "plan");
     if (plan.isEmpty())
         plan = planIn(transcript);
     return {plan, true};

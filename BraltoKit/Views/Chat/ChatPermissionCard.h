@@ -21,7 +21,8 @@ public:
     /// `transcript` if the request doesn't carry it.
     void show(const ChatTranscript& transcript, const QString& folder);
 
-    /// What the card shows below its title for a request: a plan, else the tool's summary.
+    /// What the card shows below its title for a request: a plan, a whole command, else the tool's
+    /// summary.
     struct Body {
         QString text;
         bool isMarkdown = false;

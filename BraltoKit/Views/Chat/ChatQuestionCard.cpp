@@ -51,7 +51,8 @@ void ChatQuestionCard::refresh()
     const QScopedValueRollback guard(m_isRefreshing, true);
     clear();
     const ChatQuestion::Item& item = *flow->item();
-    setTitle(tr("Claude is asking: ") + item.header.value_or(QString()));
+    const QString header = item.header.value_or(QString());
+    setTitle(header.isEmpty() ? tr("Claude is asking") : tr("Claude is asking: ") + header);
     const qsizetype count = flow->question().items.size();
     setHint(count > 1 ? tr("%1 of %2").arg(flow->step() + 1).arg(count) : QString());
 
@@ -153,7 +154,7 @@ bool ChatQuestionCard::eventFilter(QObject* watched, QEvent* event)
         return ChatCard::eventFilter(watched, event);
     }
     emit focusReturned();
-    m_draft.press(*pressed);
+    m_draft.pressInCard(*pressed);
     return true;
 }
 

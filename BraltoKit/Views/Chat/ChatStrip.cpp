@@ -14,7 +14,7 @@ namespace Bralto {
 namespace {
 
 constexpr int Height = 28;
-constexpr int Side = 6;
+constexpr int Side = 2;
 constexpr int Gap = 12;
 constexpr int SymbolGap = 5;
 constexpr int RingSide = 14;
@@ -22,11 +22,12 @@ constexpr double RingLine = 2.2;
 constexpr double DotSide = 8;
 constexpr double HaloSide = 14;
 
-QString capitalised(const QString& word)
+/// Amber when the window is nearly full, red when it is about to be.
+QColor ringInk(double fraction, const Tokens& tokens)
 {
-    if (word == QLatin1String("xhigh"))
-        return QStringLiteral("Extra High");
-    return word.isEmpty() ? word : word.left(1).toUpper() + word.mid(1);
+    if (fraction >= 0.95)
+        return tokens.failed;
+    return fraction >= 0.8 ? tokens.waiting : tokens.accentInk;
 }
 
 } // namespace
@@ -51,8 +52,12 @@ void ChatStrip::setInfo(const ChatStatusInfo& info)
     m_info = info;
     const bool turns =
         info.state.kind == ChatState::Kind::Working || info.state.kind == ChatState::Kind::Starting;
-    SpinnerClock::shared().hold(this, turns);
-    setAccessibleName(ChatStatusTexts::stateLabel(info.state));
+    SpinnerClock::shared().hold(this, turns && !theme().reducedMotion());
+    QStringList words{ChatStatusTexts::stateLabel(info.state)};
+    for (const Fact& fact : facts())
+        words.append(fact.text);
+    setAccessibleName(words.join(QStringLiteral(", ")));
+    fit();
     update();
 }
 
@@ -68,8 +73,8 @@ QList<ChatStrip::Fact> ChatStrip::facts() const
         result.append({Fact::Kind::Mode, ChatStatusTexts::modeSymbol(*m_info.permissionMode),
                        ChatStatusTexts::modeName(*m_info.permissionMode), tr("Permission mode")});
     if (m_info.effort)
-        result.append({Fact::Kind::Effort, QStringLiteral("brain"), capitalised(*m_info.effort),
-                       tr("Effort")});
+        result.append({Fact::Kind::Effort, QStringLiteral("brain"),
+                       ChatCommands::effortName(*m_info.effort), tr("Effort")});
     if (m_info.modelName)
         result.append({Fact::Kind::Model, {}, *m_info.modelName, tr("Model")});
     if (m_info.contextFraction())
@@ -95,15 +100,30 @@ double ChatStrip::widthOf(const Fact& fact)
     return width;
 }
 
+double ChatStrip::stateWidth() const
+{
+    return RingSide + SymbolGap + Gap +
+           TextLine::width(TextRole::CaptionMedium, ChatStatusTexts::stateLabel(m_info.state));
+}
+
+void ChatStrip::resizeEvent(QResizeEvent*)
+{
+    fit();
+}
+
 void ChatStrip::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QString label = ChatStatusTexts::stateLabel(m_info.state);
-    const double left =
-        Side + RingSide + SymbolGap + TextLine::width(TextRole::CaptionMedium, label) + Gap;
-    paintState(painter, QRectF(Side, 0, left - Side, Height));
+    paintState(painter, QRectF(Side, 0, stateWidth(), Height));
+    for (const Fact& fact : m_shown)
+        paintFact(painter, fact);
+}
 
+/// Decides which facts there is room for, and where they stand.
+void ChatStrip::fit()
+{
+    const double left = stateWidth() + Side;
     m_shown = facts();
     const auto total = [this] {
         double width = 0;
@@ -134,7 +154,6 @@ void ChatStrip::paintEvent(QPaintEvent*)
         Fact& fact = m_shown[index];
         const double wide = widthOf(fact);
         fact.area = QRectF(right - wide, 0, wide, Height);
-        paintFact(painter, fact);
         right -= wide + Gap;
     }
 }
@@ -168,8 +187,9 @@ void ChatStrip::paintFact(QPainter& painter, const Fact& fact) const
     QRectF area = fact.area;
     if (fact.kind == Fact::Kind::Context) {
         const QRectF ring(area.left(), (Height - RingSide) / 2.0, RingSide, RingSide);
-        StatusMark::drawRing(painter, ring, RingLine, *m_info.contextFraction(), 0,
-                             tokens().accentInk, tokens().pressed);
+        const double fraction = *m_info.contextFraction();
+        StatusMark::drawRing(painter, ring, RingLine, fraction, 0, ringInk(fraction, tokens()),
+                             tokens().pressed);
         area.setLeft(ring.right() + SymbolGap);
     } else if (!fact.symbol.isEmpty()) {
         const QRectF symbol(area.left(), (Height - Measure::CaptionIcon) / 2.0,

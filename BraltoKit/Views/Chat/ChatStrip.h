@@ -21,6 +21,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool event(QEvent* event) override;
 
 private:
@@ -32,10 +33,12 @@ private:
         QString symbol; ///< Empty for none.
         QString text;
         QString help;
-        QRectF area{}; ///< Where it was painted last.
+        QRectF area{}; ///< Where it stands; of shown ones only.
     };
 
     [[nodiscard]] QList<Fact> facts() const;
+    [[nodiscard]] double stateWidth() const;
+    void fit();
     [[nodiscard]] static double widthOf(const Fact& fact);
     void paintState(QPainter& painter, const QRectF& area) const;
     void paintFact(QPainter& painter, const Fact& fact) const;

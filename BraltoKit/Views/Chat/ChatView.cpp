@@ -2,6 +2,7 @@
 
 #include "Chat/ChatStatusInfo.h"
 #include "Chat/ChatWorkingRow.h"
+#include "Views/Chat/ChatAttachments.h"
 #include "Views/Chat/ChatComposer.h"
 #include "Views/Chat/ChatList.h"
 #include "Views/Chat/ChatMissingAgentCard.h"
@@ -9,9 +10,12 @@
 #include "Views/Chat/ChatQuestionCard.h"
 #include "Views/Chat/ChatStrip.h"
 #include "Views/Chat/ChatTranscriptView.h"
-#include "Views/Kit/IconButton.h"
+#include "Views/Chat/ImageOverlay.h"
+#include "Views/Chat/JumpButton.h"
 
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -22,7 +26,6 @@ namespace {
 constexpr int Side = 10;
 constexpr int ColumnWidth = 760;
 constexpr int CardGap = 8;
-constexpr int JumpSide = 32;
 constexpr int JumpGap = 12;
 constexpr int PaletteRow = 30;
 constexpr int MentionRow = 28;
@@ -64,7 +67,8 @@ ChatView::ChatView(ClaudeChat& chat, Theme& theme, const Clock& clock, ChatFileI
     , m_mentions(new ChatList(theme, tr("Files"), m_foot))
     , m_composer(new ChatComposer(theme, m_draft, m_foot))
     , m_strip(new ChatStrip(theme, m_foot))
-    , m_jump(new IconButton(theme, Ground::Sheet, QStringLiteral("chevron.down"), this))
+    , m_jump(new JumpButton(theme, this))
+    , m_overlay(new ImageOverlay(theme, *this))
 {
     build();
     connectChat();
@@ -99,11 +103,14 @@ void ChatView::build()
     column->addWidget(m_foot, 0);
     setFocusProxy(&m_composer->field());
 
-    m_jump->setExtent(JumpSide, Measure::RowIcon);
-    m_jump->setTip(tr("Jump to the latest"));
-    m_jump->setAutoFillBackground(false);
     m_jump->hide();
-    connect(m_jump, &IconButton::clicked, m_transcript, &ChatTranscriptView::scrollToBottom);
+    m_foot->installEventFilter(this);
+    setAcceptDrops(true);
+    connect(m_jump, &JumpButton::clicked, m_transcript, &ChatTranscriptView::scrollToBottom);
+    connect(m_transcript, &ChatTranscriptView::showImageRequested, m_overlay,
+            &ImageOverlay::present);
+    connect(m_overlay, &ImageOverlay::dismissed, &m_composer->field(),
+            qOverload<>(&QWidget::setFocus));
     connect(m_transcript, &ChatTranscriptView::followingChanged, this, [this](bool follows) {
         m_jump->setVisible(!follows);
         m_jump->raise();
@@ -223,7 +230,29 @@ void ChatView::setZoom(double zoom)
 
 void ChatView::placeJump()
 {
-    m_jump->move((width() - m_jump->width()) / 2, m_foot->y() - m_jump->height() - JumpGap);
+    m_jump->standOn({width() / 2, m_foot->y() + CardGap - JumpGap});
+}
+
+/// The foot grows and shrinks with its cards; what stands on it follows.
+bool ChatView::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool moved = event->type() == QEvent::Resize || event->type() == QEvent::Move;
+    if (watched == m_foot && moved)
+        placeJump();
+    return ThemedWidget::eventFilter(watched, event);
+}
+
+void ChatView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (ChatAttachments::canRead(*event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void ChatView::dropEvent(QDropEvent* event)
+{
+    m_composer->field().attach(*event->mimeData());
+    m_composer->field().setFocus();
+    event->acceptProposedAction();
 }
 
 void ChatView::resizeEvent(QResizeEvent*)

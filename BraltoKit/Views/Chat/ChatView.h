@@ -19,7 +19,8 @@ class ChatPermissionCard;
 class ChatQuestionCard;
 class ChatStrip;
 class ChatTranscriptView;
-class IconButton;
+class ImageOverlay;
+class JumpButton;
 
 /// What fills a chat pane: the transcript, the cards and lists above the composer, the composer,
 /// and the strip. It shows a conversation and its draft, and calls their verbs.
@@ -46,6 +47,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void build();
@@ -69,7 +73,8 @@ private:
     ChatList* m_mentions;
     ChatComposer* m_composer;
     ChatStrip* m_strip;
-    IconButton* m_jump;
+    JumpButton* m_jump;
+    ImageOverlay* m_overlay;
 };
 
 } // namespace Bralto

@@ -1,10 +1,14 @@
 #include "Views/Chat/ChoiceRow.h"
 
+#include "Views/Kit/Fonts.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/Shape.h"
 #include "Views/Kit/TextLine.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
+
+#include <cmath>
 
 namespace Bralto {
 
@@ -16,8 +20,6 @@ constexpr int Side = 10;
 constexpr int MarkSize = 16;
 constexpr int MarkGap = 10;
 constexpr int LabelTop = 4;
-constexpr int LabelLine = 20;
-constexpr int DetailLine = 16;
 constexpr double BoxRadius = 5;
 
 } // namespace
@@ -29,13 +31,43 @@ ChoiceRow::ChoiceRow(Theme& theme, Content content, QWidget* parent)
     setAccessibleName(m_content.label);
     setAccessibleDescription(m_content.detail);
     setCheckable(false);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
     setFocusPolicy(Qt::NoFocus);
 }
 
 QSize ChoiceRow::sizeHint() const
 {
     return {240, m_content.detail.isEmpty() ? Height : HeightWithDetail};
+}
+
+/// The column of the words in a row of this width.
+QRectF ChoiceRow::words(int width) const
+{
+    const double left = Side + MarkSize + MarkGap;
+    const double cap = m_content.keyCap.isEmpty() ? 0 : Measure::KeyCap + Measure::Space2;
+    return {left, 0, std::max(1.0, width - Side - cap - left), 0};
+}
+
+/// The height of `text` in lines of its role; nothing is shown of what is longer than a paragraph.
+int ChoiceRow::wrapped(TextRole role, const QString& text, int width) const
+{
+    if (text.isEmpty())
+        return 0;
+    const QFontMetricsF metrics(Bralto::font(role));
+    const QRectF bounds(0, 0, words(width).width(), 1e6);
+    const double height =
+        metrics.boundingRect(bounds, Qt::TextWordWrap, TextLine::flattened(text)).height();
+    return int(std::lround(height / metrics.lineSpacing())) * lineHeight(role);
+}
+
+int ChoiceRow::heightForWidth(int width) const
+{
+    const int label = wrapped(TextRole::Body, m_content.label, width);
+    const int detail = wrapped(TextRole::Secondary, m_content.detail, width);
+    return std::max(m_content.detail.isEmpty() ? Height : HeightWithDetail,
+                    label + detail + 2 * LabelTop);
 }
 
 void ChoiceRow::paintMark(QPainter& painter, const QRectF& rect) const
@@ -66,26 +98,27 @@ void ChoiceRow::paintEvent(QPaintEvent*)
     const QRectF mark(Side, (height() - MarkSize) / 2.0, MarkSize, MarkSize);
     paintMark(painter, mark);
 
-    double right = width() - Side;
     if (!m_content.keyCap.isEmpty()) {
-        const QRectF cap(right - Measure::KeyCap, (height() - Measure::KeyCap) / 2.0,
+        const QRectF cap(width() - Side - Measure::KeyCap, (height() - Measure::KeyCap) / 2.0,
                          Measure::KeyCap, Measure::KeyCap);
         Shape::edgeInside(painter, cap, 4, tokens().separator);
         TextLine::draw(painter, cap, TextRole::CaptionMedium, tokens().ink2, m_content.keyCap,
                        Qt::ElideNone, Qt::AlignHCenter);
-        right = cap.left() - Measure::Space2;
     }
-    const double left = mark.right() + MarkGap;
-    const QColor ink = m_content.mark == Mark::Pencil ? tokens().ink2 : tokens().label;
-    if (m_content.detail.isEmpty()) {
-        TextLine::draw(painter, QRectF(left, 0, right - left, height()), TextRole::Body, ink,
-                       m_content.label);
-        return;
-    }
-    TextLine::draw(painter, QRectF(left, LabelTop, right - left, LabelLine), TextRole::Body, ink,
-                   m_content.label);
-    TextLine::draw(painter, QRectF(left, LabelTop + LabelLine, right - left, DetailLine),
-                   TextRole::Secondary, tokens().ink2, m_content.detail);
+    const int label = wrapped(TextRole::Body, m_content.label, width());
+    const int detail = wrapped(TextRole::Secondary, m_content.detail, width());
+    QRectF area = words(width());
+    area.moveTop((height() - label - detail) / 2.0);
+    const auto draw = [&](TextRole role, const QString& text, const QColor& ink, int tall) {
+        area.setHeight(tall);
+        painter.setFont(Bralto::font(role));
+        painter.setPen(ink);
+        painter.drawText(area, Qt::TextWordWrap | Qt::AlignVCenter, TextLine::flattened(text));
+        area.moveTop(area.bottom());
+    };
+    draw(TextRole::Body, m_content.label,
+         m_content.mark == Mark::Pencil ? tokens().ink2 : tokens().label, label);
+    draw(TextRole::Secondary, m_content.detail, tokens().ink2, detail);
 }
 
 } // namespace Bralto

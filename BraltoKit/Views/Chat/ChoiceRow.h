@@ -4,7 +4,8 @@
 
 namespace Bralto {
 
-/// One answer that can be picked: a mark, words, and the key that picks it.
+/// One answer that can be picked: a mark, words, and the key that picks it. Long words wrap, since
+/// nobody can choose what can't be read.
 class ChoiceRow final : public Control {
     Q_OBJECT
 
@@ -24,11 +25,15 @@ public:
     ChoiceRow(Theme& theme, Content content, QWidget* parent);
 
     [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] QRectF words(int width) const;
+    [[nodiscard]] int wrapped(TextRole role, const QString& text, int width) const;
     void paintMark(QPainter& painter, const QRectF& rect) const;
 
     Content m_content;

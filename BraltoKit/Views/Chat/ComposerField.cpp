@@ -1,7 +1,6 @@
-// The field of the composer.
+#include "Views/Chat/ComposerField.h"
 
 #include "Views/Chat/ChatAttachments.h"
-#include "Views/Chat/ChatComposer.h"
 #include "Views/Kit/Fonts.h"
 #include "Views/Kit/SlimScrollBar.h"
 
@@ -10,6 +9,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QSyntaxHighlighter>
 #include <QTextBlock>
 
 #include <cmath>
@@ -20,7 +20,7 @@ namespace {
 
 constexpr int MostLines = 8;
 constexpr int LeastHeight = 28;
-constexpr int TextMargin = 3;
+constexpr int TextMargin = 2;
 
 /// The key as cards and lists know it; nothing for one that types.
 std::optional<ChatKey> chatKey(const QKeyEvent& event)
@@ -55,6 +55,32 @@ std::optional<ChatKey> chatKey(const QKeyEvent& event)
     return std::nullopt;
 }
 
+/// Shows the words that begin with "@" in the accent.
+class MentionInk final : public QSyntaxHighlighter {
+public:
+    MentionInk(Theme& theme, QTextDocument* document)
+        : QSyntaxHighlighter(document)
+        , m_theme(theme)
+    {
+    }
+
+protected:
+    void highlightBlock(const QString& text) override
+    {
+        qsizetype start = 0;
+        for (qsizetype i = 0; i <= text.size(); ++i) {
+            if (i < text.size() && !text[i].isSpace())
+                continue;
+            if (i - start > 1 && text[start] == u'@')
+                setFormat(int(start), int(i - start), m_theme.tokens().accentInk);
+            start = i + 1;
+        }
+    }
+
+private:
+    Theme& m_theme;
+};
+
 } // namespace
 
 ComposerField::ComposerField(Theme& theme, ChatDraft& draft, QWidget* parent)
@@ -70,31 +96,30 @@ ComposerField::ComposerField(Theme& theme, ChatDraft& draft, QWidget* parent)
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(TextMargin);
     new SlimScrollBar(theme, Ground::Sheet, *this);
+    auto* mentions = new MentionInk(theme, document());
+    setPlainText(draft.text());
     applyTheme();
 
     connect(&theme, &Theme::changed, this, &ComposerField::applyTheme);
+    connect(&theme, &Theme::changed, mentions, &QSyntaxHighlighter::rehighlight);
     connect(this, &QTextEdit::textChanged, this, &ComposerField::report);
     connect(this, &QTextEdit::cursorPositionChanged, this, &ComposerField::report);
     connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
-            [this] {
-                if (const int height = textHeight(); height != m_height) {
-                    m_height = height;
-                    setFixedHeight(height);
-                    emit heightChanged();
-                }
-            });
-    connect(&draft, &ChatDraft::textReplaced, this,
-            [this](const QString& text, qsizetype position) {
-                const QScopedValueRollback guard(m_isReplacing, true);
-                if (toPlainText() != text)
-                    setPlainText(text);
-                QTextCursor cursor = textCursor();
-                cursor.setPosition(int(position));
-                setTextCursor(cursor);
-            });
-    setPlainText(draft.text());
-    m_height = textHeight();
-    setFixedHeight(m_height);
+            &ComposerField::fitHeight);
+    connect(&draft, &ChatDraft::textReplaced, this, &ComposerField::replaceText);
+    fitHeight();
+}
+
+void ComposerField::replaceText(const QString& text, qsizetype position)
+{
+    const QScopedValueRollback guard(m_isReplacing, true);
+    if (toPlainText() != text) {
+        setPlainText(text);
+        applyLineHeight();
+    }
+    QTextCursor cursor = textCursor();
+    cursor.setPosition(int(position));
+    setTextCursor(cursor);
 }
 
 void ComposerField::applyTheme()
@@ -107,20 +132,39 @@ void ComposerField::applyTheme()
     colors.setColor(QPalette::Highlight, tokens.selection);
     colors.setColor(QPalette::HighlightedText, tokens.label);
     setPalette(colors);
+    applyLineHeight();
     viewport()->update();
+}
+
+/// Every line as high as the role wants it; new lines take it over.
+void ComposerField::applyLineHeight()
+{
+    const QScopedValueRollback guard(m_isReplacing, true);
+    QTextBlockFormat format;
+    format.setLineHeight(lineHeight(TextRole::Chat, m_zoom), QTextBlockFormat::FixedHeight);
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    cursor.mergeBlockFormat(format);
 }
 
 void ComposerField::setZoom(double zoom)
 {
     m_zoom = zoom;
     applyTheme();
+    fitHeight();
 }
 
 int ComposerField::textHeight() const
 {
     const int wanted = int(std::ceil(document()->size().height()));
-    const int most = MostLines * fontMetrics().lineSpacing() + 2 * TextMargin;
+    const int most = MostLines * lineHeight(TextRole::Chat, m_zoom) + 2 * TextMargin;
     return std::clamp(wanted, LeastHeight, std::max(most, LeastHeight));
+}
+
+void ComposerField::fitHeight()
+{
+    if (const int wanted = textHeight(); wanted != minimumHeight())
+        setFixedHeight(wanted);
 }
 
 void ComposerField::report()
@@ -177,10 +221,18 @@ bool ComposerField::canInsertFromMimeData(const QMimeData* source) const
 
 void ComposerField::insertFromMimeData(const QMimeData* source)
 {
-    if (ChatAttachments::canRead(*source))
-        m_draft.attach(ChatAttachments::read(*source));
+    // Words that come with a picture of themselves, as from a text processor, stay words.
+    const bool isText = source->hasText() && source->urls().isEmpty();
+    if (ChatAttachments::canRead(*source) && !isText)
+        attach(*source);
     else
-        QTextEdit::insertFromMimeData(source);
+        insertPlainText(source->text());
+}
+
+void ComposerField::attach(const QMimeData& data)
+{
+    ChatAttachments::load(ChatAttachments::read(data), this,
+                          [this](const QList<ChatAttachment>& all) { m_draft.attach(all); });
 }
 
 } // namespace Bralto

@@ -29,17 +29,22 @@ SceneView::SceneView(Theme& theme, QWidget* parent)
 
 void SceneView::setCommand(const QString& text)
 {
-    m_text = text;
-    m_isMarkdown = false;
-    m_offset = 0;
-    rebuild();
+    set(text, false);
 }
 
 void SceneView::setMarkdown(const QString& text)
 {
+    set(text, true);
+}
+
+void SceneView::set(const QString& text, bool isMarkdown)
+{
+    if (text == m_text && isMarkdown == m_isMarkdown)
+        return;
     m_text = text;
-    m_isMarkdown = true;
+    m_isMarkdown = isMarkdown;
     m_offset = 0;
+    setAccessibleName(text);
     rebuild();
 }
 

@@ -29,6 +29,7 @@ protected:
 
 private:
     [[nodiscard]] ChatScene build(double width) const;
+    void set(const QString& text, bool isMarkdown);
     void rebuild();
 
     QString m_folder;

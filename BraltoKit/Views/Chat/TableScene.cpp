@@ -11,7 +11,6 @@ namespace {
 constexpr double CellSide = 12;
 constexpr double CellTop = 5;
 constexpr double HeadTop = 6;
-constexpr double LeastColumn = 56;
 
 /// Rows beyond the widest screen's worth of columns are not shown; no table of words has more.
 constexpr qsizetype MostColumns = 40;
@@ -60,7 +59,7 @@ private:
             wanted.push_back(widest + 2 * m_canvas.u(CellSide));
             m_isNumeric.push_back(isNumeric(m_table, column));
         }
-        m_widths = columnWidths(std::move(wanted), width, m_canvas.u(LeastColumn));
+        m_widths = columnWidths(std::move(wanted), width);
     }
 
     double natural(const QString& text, TextRole role) const
@@ -111,7 +110,7 @@ private:
 
 } // namespace
 
-std::vector<double> columnWidths(std::vector<double> wanted, double available, double least)
+std::vector<double> columnWidths(std::vector<double> wanted, double available)
 {
     if (wanted.empty())
         return wanted;
@@ -139,7 +138,7 @@ std::vector<double> columnWidths(std::vector<double> wanted, double available, d
     }
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         if (!isSettled[i])
-            wanted[i] = std::max(least, left / open);
+            wanted[i] = left / open;
     }
     return wanted;
 }

@@ -11,8 +11,7 @@ double draw(ChatCanvas& canvas, const MarkdownBlocks::Table& table, const QPoint
 
 /// How `available` is shared among columns that would like `wanted`: what is left over goes to all
 /// in proportion; if it is too little, the narrow ones keep theirs.
-[[nodiscard]] std::vector<double> columnWidths(std::vector<double> wanted, double available,
-                                               double least);
+[[nodiscard]] std::vector<double> columnWidths(std::vector<double> wanted, double available);
 
 /// Whether a column has numbers only, which stand at the right.
 [[nodiscard]] bool isNumeric(const MarkdownBlocks::Table& table, qsizetype column);

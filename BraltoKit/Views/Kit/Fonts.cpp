@@ -44,6 +44,8 @@ QFont makeFont(TextRole role, double zoom)
     if (style.face == TypeStyle::Face::Code) {
         result.setFixedPitch(true);
         result.setStyleHint(QFont::Monospace);
+        // No ligatures: a pair of dashes is two dashes. Scripts that need shaping still get it.
+        result.setStyleStrategy(QFont::PreferNoShaping);
     }
     // Only point sizes can be fractional; at the screen's own resolution they give the pixels.
     const QScreen* screen = QGuiApplication::primaryScreen();
