@@ -229,9 +229,9 @@ void ComposerField::insertFromMimeData(const QMimeData* source)
         insertPlainText(source->text());
 }
 
-void ComposerField::attach(const QMimeData& data)
+void ComposerField::attach(const QMimeData& source)
 {
-    ChatAttachments::load(ChatAttachments::read(data), this,
+    ChatAttachments::load(ChatAttachments::read(source), this,
                           [this](const QList<ChatAttachment>& all) { m_draft.attach(all); });
 }
 

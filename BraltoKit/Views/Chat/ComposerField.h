@@ -20,7 +20,7 @@ public:
     void setZoom(double zoom);
 
     /// Attaches what was dropped or pasted as soon as it is read.
-    void attach(const QMimeData& data);
+    void attach(const QMimeData& source);
 
 signals:
     void focusChanged(bool hasFocus);
