@@ -7,6 +7,8 @@
 
 #include <uchardet.h>
 
+#include <memory>
+
 namespace Bralto::TextFile {
 
 namespace {
@@ -39,43 +41,49 @@ std::optional<QString> decoded(const QByteArray& bytes, const char* encoding)
     return text;
 }
 
-Content refused(const QString& reason)
+Content unreadable()
 {
-    return {{}, reason};
+    return {{},
+            QStringLiteral("Bralto couldn’t read this file. It may have been moved or you may not "
+                           "have permission.")};
+}
+
+Content tooLarge()
+{
+    return {{},
+            QStringLiteral("This file is larger than 8 MB, so Bralto won’t open it for editing.")};
+}
+
+Content binary()
+{
+    return {{}, QStringLiteral("This looks like a binary file, so there’s nothing to edit here.")};
 }
 
 } // namespace
 
 Content read(const QString& path)
 {
-    const Content tooLarge = refused(
-        QStringLiteral("This file is larger than 8 MB, so Bralto won’t open it for editing."));
-    const Content unreadable = refused(QStringLiteral(
-        "Bralto couldn’t read this file. It may have been moved or you may not have permission."));
-
     // Opening a pipe would wait for its other end.
     const QFileInfo info(path);
     if (!info.isFile())
-        return unreadable;
+        return unreadable();
     if (info.size() > LargestSize)
-        return tooLarge;
+        return tooLarge();
 
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return unreadable;
+        return unreadable();
     const QByteArray bytes = file.read(LargestSize + 1);
     if (file.error() != QFileDevice::NoError)
-        return unreadable;
+        return unreadable();
     if (bytes.size() > LargestSize)
-        return tooLarge;
+        return tooLarge();
 
-    if (bytes.left(SearchedForZero).contains('\0')) {
-        return refused(
-            QStringLiteral("This looks like a binary file, so there’s nothing to edit here."));
-    }
+    if (bytes.left(SearchedForZero).contains('\0'))
+        return binary();
     if (auto text = decode(bytes))
         return {std::move(*text), std::nullopt};
-    return refused(QStringLiteral("Bralto couldn’t work out this file’s text encoding."));
+    return {{}, QStringLiteral("Bralto couldn’t work out this file’s text encoding.")};
 }
 
 std::optional<QString> decode(const QByteArray& bytes)

@@ -8,7 +8,7 @@
 namespace Bralto::TextFile {
 
 /// The largest file that opens, in bytes: 8 MiB.
-inline constexpr qint64 LargestSize = 8 * 1024 * 1024;
+inline constexpr qint64 LargestSize = qint64(8) * 1024 * 1024;
 
 /// How many bytes at the start are searched for the zero that tells a binary file.
 inline constexpr qsizetype SearchedForZero = 8000;
