@@ -137,12 +137,12 @@ void Program::buildWindow()
     m_window->setMinimumSize(SmallestSize);
     m_window->resize(DefaultSize);
     m_dialogs.setWindow(m_window.get());
-    m_window->setContent(new RootView({m_workspace, m_theme, m_desktop, m_defaults, m_clock,
-                                       m_motion, m_zoom,
-                                       m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
-                                                            : WindowLayout::Role::HomeApplication,
-                                       [this](ConsolePane& pane) { return makePane(pane); }},
-                                      nullptr));
+    m_window->setContent(
+        new RootView({m_workspace, m_theme, m_desktop, m_defaults, m_clock, m_motion, m_zoom,
+                      m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
+                                           : WindowLayout::Role::HomeApplication,
+                      [this](ConsolePane& pane) { return makePane(pane); }},
+                     nullptr));
     m_window->setMenu((new CommandMenu(m_commands, m_window.get()))->menu());
     m_window->installEventFilter(this);
     new FirstFrame(m_window.get());

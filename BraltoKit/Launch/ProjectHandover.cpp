@@ -59,7 +59,8 @@ QString replaceProcess(const LaunchRole& role, const Request& request)
         DefaultsStore& shared = domains.defaults().shared;
         SharedMigration::migrateIfNeeded(shared, domains.defaults().standard);
         ProjectUse::markUsed(shared, request.folder, SystemClock().now());
-        shared.setStrings(RecentFolders::Key, RecentFolders::remembering(RecentFolders::load(shared), request.folder));
+        shared.setStrings(RecentFolders::Key,
+                          RecentFolders::remembering(RecentFolders::load(shared), request.folder));
     }
     const auto bundle = BraltoCommandLine::installSpace(role, request.folder);
     if (!bundle)

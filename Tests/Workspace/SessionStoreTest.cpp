@@ -86,7 +86,7 @@ TEST_F(SharedMigrationTest, ANewUserGetsTheAgentsCommandAndIsKnownAsNew)
 TEST_F(SharedMigrationTest, AnyTraceInEitherDomainTellsAnExistingUser)
 {
     for (const QString trace : {"migrated.v1", "spaces", "spaceApps", "recentFolders",
-                                 "projectLastUsed", "signingIdentity", "claudeCommand"}) {
+                                "projectLastUsed", "signingIdentity", "claudeCommand"}) {
         for (const bool inShared : {true, false}) {
             SCOPED_TRACE(trace.toStdString());
             MemoryDefaultsStore one;
