@@ -5,6 +5,7 @@
 #include "Views/Kit/SlimScrollBar.h"
 
 #include <QContextMenuEvent>
+#include <QScrollBar>
 #include <QTextBlock>
 
 namespace Bralto {
@@ -43,11 +44,14 @@ void ProseText::applyTheme()
 void ProseText::setProse(const QString& text)
 {
     const int position = textCursor().position();
+    const int scrolled = verticalScrollBar()->value();
     setPlainText(text);
     setLines();
     QTextCursor cursor = textCursor();
     cursor.setPosition(std::min<int>(position, int(document()->characterCount()) - 1));
     setTextCursor(cursor);
+    // Moving the cursor scrolled to it in a view that has no size yet.
+    verticalScrollBar()->setValue(scrolled);
 }
 
 void ProseText::setZoom(double zoom)
