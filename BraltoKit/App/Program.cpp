@@ -157,6 +157,9 @@ QWidget* Program::makePane(ConsolePane& pane)
             [this](const QUrl& url) { m_delegate.open({url.toString()}); });
     connect(view, &ChatView::useDemoAgentRequested, this, [this, &chat] { useDemoAgent(chat); });
     connect(view, &ChatView::installHelpRequested, this, &Program::explainInstallation);
+    const auto applyZoom = [this, view] { view->setZoom(m_zoom.level(Zoom::Area::Terminal)); };
+    connect(&m_zoom, &Zoom::changed, view, applyZoom);
+    applyZoom();
     return view;
 }
 
