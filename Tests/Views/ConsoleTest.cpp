@@ -158,8 +158,9 @@ TEST_F(ConsoleTest, ManyGroupsGiveWayToTheButtons)
     ViewHarness::settle();
 
     for (const GroupChip* chip : chips()) {
-        if (chip->isVisible())
+        if (chip->isVisible()) {
             EXPECT_LE(chip->geometry().right(), view->head().newChat().x());
+        }
     }
     EXPECT_LT(view->head().newChat().geometry().right(), view->head().maximize().x());
 }

@@ -24,7 +24,7 @@ struct EditorPanesTest : testing::Test {
     void show(Pages pages = Pages::Unavailable)
     {
         if (!views.workspace)
-            services = views.openProject(pages);
+            services.emplace(views.openProject(pages));
         panes = std::make_unique<EditorPanes>(*services, nullptr);
         panes->resize(900, 600);
         panes->show();

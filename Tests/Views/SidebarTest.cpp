@@ -19,7 +19,7 @@ struct SidebarTest : testing::Test {
         desk().write("src/main.cpp");
         desk().write("src/http/server.cpp");
         desk().write("README.md");
-        services = views.openProject();
+        services.emplace(views.openProject());
         workspace().setShowHiddenFiles(false);
     }
 

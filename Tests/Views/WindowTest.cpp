@@ -366,7 +366,8 @@ TEST_F(WindowTest, EveryButtonHasANameAndATip)
         if (!candidate->isVisible())
             continue;
         EXPECT_FALSE(candidate->accessibleName().isEmpty());
-        if (dynamic_cast<const IconButton*>(candidate))
+        if (dynamic_cast<const IconButton*>(candidate)) {
             EXPECT_FALSE(candidate->toolTip().isEmpty());
+        }
     }
 }
