@@ -329,7 +329,9 @@ std::optional<JsonObject> JsonReader::object(std::string_view text)
 
 std::optional<JsonObject> JsonReader::object(const QByteArray& text)
 {
-    return parse({text.constData(), std::size_t(text.size())}, false);
+    // A line that grew piece by piece mostly has room behind it, which spares a copy.
+    const bool isPadded = text.capacity() - text.size() >= qsizetype(Padding);
+    return parse({text.constData(), std::size_t(text.size())}, isPadded);
 }
 
 std::optional<JsonObject> JsonReader::paddedObject(std::string_view text)
