@@ -11,7 +11,9 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Bralto;
@@ -302,7 +304,8 @@ TEST_F(ChatViewTest, EveryControlHasAnAccessibleName)
     askPermission();
     for (const QWidget* widget : m_view->findChildren<QWidget*>()) {
         if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible() &&
-            !widget->objectName().startsWith("qt_"))
+            !widget->objectName().startsWith("qt_")) {
             EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+        }
     }
 }
