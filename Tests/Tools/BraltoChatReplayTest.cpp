@@ -13,7 +13,7 @@ namespace {
 
 const QString Fixtures = QStringLiteral(BRALTO_FIXTURES "/Agent/");
 
-struct Run {
+struct Outcome {
     int status = -1;
     QByteArray output;
     QByteArray errors;
@@ -24,7 +24,7 @@ struct Run {
     }
 };
 
-Run replay(const QStringList& arguments)
+Outcome replay(const QStringList& arguments)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -60,7 +60,7 @@ protected:
 
 TEST_F(BraltoChatReplay, AStoredConversationGivesItsTranscript)
 {
-    const Run run = replay({Fixtures + "question.session.jsonl"});
+    const Outcome run = replay({Fixtures + "question.session.jsonl"});
 
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.output, expected(QStringLiteral("question.session.jsonl")));
@@ -68,7 +68,7 @@ TEST_F(BraltoChatReplay, AStoredConversationGivesItsTranscript)
 
 TEST_F(BraltoChatReplay, ARecordingOfTheAgentGivesItsTranscript)
 {
-    const Run run = replay({Fixtures + "subagent_foreground.ndjson"});
+    const Outcome run = replay({Fixtures + "subagent_foreground.ndjson"});
     const QJsonObject golden =
         QJsonDocument::fromJson(expected(QStringLiteral("subagent_foreground.ndjson"))).object();
 
@@ -107,7 +107,7 @@ TEST_F(BraltoChatReplay, TheFormCanBeToldOutright)
 
 TEST_F(BraltoChatReplay, AFileThatCantBeReadIsAnError)
 {
-    const Run missing = replay({m_folder.filePath(QStringLiteral("missing"))});
+    const Outcome missing = replay({m_folder.filePath(QStringLiteral("missing"))});
     EXPECT_EQ(missing.status, 1);
     EXPECT_TRUE(missing.output.isEmpty());
     EXPECT_TRUE(missing.errors.contains("missing"));
