@@ -206,6 +206,10 @@ int Program::run(const QStringList& urls)
     m_delegate.didFinishLaunching();
     if (!urls.isEmpty())
         m_delegate.open(urls);
+    // Whoever left with the console open finds the keyboard there again.
+    const TerminalPanel& panel = m_workspace.terminal();
+    if (panel.isVisible() && panel.activeGroup())
+        m_workspace.terminal().focus(panel.activeGroup()->focusedPane());
     return QApplication::exec();
 }
 

@@ -82,17 +82,6 @@ TEST_F(ConsoleTest, PanesStandSideBySide)
     EXPECT_EQ(paneView(1)->geometry().right() + 1, view->width() - Measure::TrayPadding);
 }
 
-TEST_F(ConsoleTest, ThePaneThatGetsTheKeyboardIsTheFocusedOne)
-{
-    panel().addPane(PaneKind::Chat);
-    const QString first = panel().activeGroup()->panes()[0]->id();
-
-    paneView(0)->content()->setFocus();
-
-    EXPECT_EQ(panel().activeGroup()->focusedPaneId(), first);
-    EXPECT_EQ(WindowFocus::areaOf(paneView(0)->content()), FocusArea::Terminal);
-}
-
 TEST_F(ConsoleTest, ARequestedPaneGetsTheKeyboard)
 {
     panel().addPane(PaneKind::Chat);

@@ -46,8 +46,10 @@ void ChatQuestionCard::refresh()
     if (m_isRefreshing || !flow || !flow->item())
         return;
     // Typing in the free text changes the flow; the field that is typed in stays.
-    if (m_other && flow->showsOther() && m_other->hasFocus() && m_other->text() == flow->other())
+    if (m_other && flow->showsOther() && m_other->text() == flow->other() &&
+        m_highlighted == flow->highlightedRow())
         return;
+    m_highlighted = flow->highlightedRow();
     const QScopedValueRollback guard(m_isRefreshing, true);
     clear();
     const ChatQuestion::Item& item = *flow->item();

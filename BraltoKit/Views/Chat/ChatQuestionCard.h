@@ -35,6 +35,7 @@ private:
     ChatDraft& m_draft;
     QList<QWidget*> m_body;
     Field* m_other = nullptr;
+    std::optional<ChatQuestionFlow::Row> m_highlighted; ///< As it shows.
     bool m_isRefreshing = false;
 };
 

@@ -173,6 +173,20 @@ void ComposerField::report()
         m_draft.setText(toPlainText(), textCursor().position());
 }
 
+bool ComposerField::event(QEvent* event)
+{
+    // Tab completes while a list is open; else it leaves the field, before it gets to the keys.
+    const bool hasList = m_draft.isPaletteOpen() || m_draft.isMentionOpen();
+    if (event->type() == QEvent::KeyPress && hasList) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Tab) {
+            keyPressEvent(key);
+            return true;
+        }
+    }
+    return QTextEdit::event(event);
+}
+
 void ComposerField::keyPressEvent(QKeyEvent* event)
 {
     const auto key = chatKey(*event);

@@ -22,7 +22,10 @@ Control::Control(Theme& theme, Ground ground, QWidget* parent)
     connect(&theme, &Theme::changed, this, qOverload<>(&QWidget::update));
 }
 
-Control::~Control() = default;
+Control::~Control()
+{
+    delete m_ring;
+}
 
 void Control::setTip(const QString& text, const QString& shortcut)
 {
@@ -85,13 +88,13 @@ void Control::focusInEvent(QFocusEvent* event)
 {
     const QColor ink = m_ground == Ground::Frame ? tokens().frame.label : tokens().accentInk;
     if (parentWidget() && event->reason() != Qt::MouseFocusReason)
-        m_ring = std::make_unique<FocusRing>(m_theme, *this, focusRadius(), ink);
+        m_ring = new FocusRing(m_theme, *this, focusRadius(), ink);
     QAbstractButton::focusInEvent(event);
 }
 
 void Control::focusOutEvent(QFocusEvent* event)
 {
-    m_ring.reset();
+    delete m_ring;
     QAbstractButton::focusOutEvent(event);
 }
 

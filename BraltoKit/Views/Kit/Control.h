@@ -3,6 +3,7 @@
 #include "Views/Kit/Theme.h"
 
 #include <QAbstractButton>
+#include <QPointer>
 #include <QVariantAnimation>
 
 namespace Bralto {
@@ -50,7 +51,7 @@ private:
     Theme& m_theme;
     Ground m_ground;
     QVariantAnimation m_hover;
-    std::unique_ptr<FocusRing> m_ring;
+    QPointer<FocusRing> m_ring; ///< A child of the same parent, which may go first.
 };
 
 } // namespace Bralto

@@ -71,8 +71,10 @@ void RootView::buildProject()
         m_width = WindowLayout::DefaultSidebar;
         place();
     });
-    connect(m_seam, &Seam::dragEnded, this,
-            [this] { m_services.defaults.standard.set(QString::fromLatin1(WidthKey), m_width); });
+    connect(m_seam, &Seam::dragEnded, this, [this] {
+        m_hold.end();
+        m_services.defaults.standard.set(QString::fromLatin1(WidthKey), m_width);
+    });
 }
 
 void RootView::followSidebar()

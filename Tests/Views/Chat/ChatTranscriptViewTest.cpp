@@ -213,18 +213,6 @@ TEST_F(ChatTranscriptViewTest, AClickOpensAToolRowAndAnotherClosesIt)
     EXPECT_DOUBLE_EQ(m_view.rows().all()[0].height, folded);
 }
 
-TEST_F(ChatTranscriptViewTest, ToolRowsAreReachedAndOpenedByKey)
-{
-    add(message("m", ChatRole::Assistant, {bash("call", "one")}));
-    const double folded = m_view.rows().all()[0].height;
-    m_view.setFocus();
-
-    QTest::keyClick(&m_view, Qt::Key_Tab);
-    QTest::keyClick(&m_view, Qt::Key_Return);
-
-    EXPECT_GT(m_view.rows().all()[0].height, folded);
-}
-
 TEST_F(ChatTranscriptViewTest, ADraggedSelectionIsCopied)
 {
     add(reply("a", "Hello there"));

@@ -1,0 +1,164 @@
+#include "App/BraltoCommands.h"
+#include "Tests/Support/WorkspaceHarness.h"
+
+#include <gtest/gtest.h>
+
+using namespace Bralto;
+using Shortcuts::Command;
+
+namespace {
+
+struct BraltoCommandsTest : testing::Test {
+    void openProject(Pages pages = Pages::Unavailable)
+    {
+        workspace = harness.openProject(pages);
+        commands.emplace(
+            BraltoCommands::Services{*workspace, zoom, [] { return Zoom::Area::Editor; },
+                                     [this] { ++homesOpened; }, [](const QString&) {}, [] {}});
+    }
+
+    void openHome()
+    {
+        workspace = harness.openHome();
+        commands.emplace(BraltoCommands::Services{*workspace, zoom,
+                                                  [] { return Zoom::Area::Files; }, nullptr,
+                                                  [](const QString&) {}, [] {}});
+    }
+
+    static std::optional<MenuItem> find(const std::vector<MenuItem>& items, Command command)
+    {
+        for (const MenuItem& item : items) {
+            if (item.command == command)
+                return item;
+            if (auto inside = find(item.items, command))
+                return inside;
+        }
+        return std::nullopt;
+    }
+
+    std::optional<MenuItem> find(Command command) const
+    {
+        for (const Menu& menu : commands->menus()) {
+            if (auto item = find(menu.items, command))
+                return item;
+        }
+        return std::nullopt;
+    }
+
+    void run(Command command) const { find(command)->run(); }
+
+    WorkspaceHarness harness;
+    Zoom zoom{harness.shared};
+    std::unique_ptr<Workspace> workspace;
+    std::optional<BraltoCommands> commands;
+    int homesOpened = 0;
+};
+
+} // namespace
+
+TEST_F(BraltoCommandsTest, WithoutAProjectItsCommandsAreDisabled)
+{
+    openHome();
+
+    for (const Command command :
+         {Command::NewFile, Command::NewFolder, Command::CloseFolder, Command::ToggleSidebar,
+          Command::ToggleTerminalSize, Command::ToggleSplit, Command::ZoomIn, Command::ZoomOut,
+          Command::ActualSize, Command::NewClaudeChat})
+        EXPECT_FALSE(find(command)->isEnabled) << Shortcuts::title(command).toStdString();
+    EXPECT_TRUE(find(Command::New)->isEnabled);
+    EXPECT_TRUE(find(Command::Open)->isEnabled);
+}
+
+TEST_F(BraltoCommandsTest, AllProjectsIsThereInAProjectOnly)
+{
+    openHome();
+    EXPECT_FALSE(find(Command::AllProjects));
+
+    openProject();
+    run(Command::AllProjects);
+    EXPECT_EQ(homesOpened, 1);
+}
+
+TEST_F(BraltoCommandsTest, WhatIsNotThereIsAbsent)
+{
+    openProject();
+
+    for (const Command command :
+         {Command::CheckForUpdates, Command::NotificationHooks, Command::NewBrowserTab,
+          Command::EditSpace, Command::NewClaudeBeside, Command::NewShellBeside,
+          Command::NewTerminalTab, Command::ToggleChatView, Command::StylePane,
+          Command::OpenLocation, Command::ReloadPage})
+        EXPECT_FALSE(find(command)) << Shortcuts::title(command).toStdString();
+}
+
+TEST_F(BraltoCommandsTest, ATitleFollowsWhatItSwitches)
+{
+    openProject();
+    EXPECT_EQ(find(Command::ToggleSidebar)->title, "Hide Sidebar");
+    EXPECT_EQ(find(Command::ToggleTerminal)->title, "Show Terminal");
+
+    run(Command::ToggleSidebar);
+    run(Command::ToggleTerminal);
+
+    EXPECT_EQ(find(Command::ToggleSidebar)->title, "Show Sidebar");
+    EXPECT_EQ(find(Command::ToggleTerminal)->title, "Hide Terminal");
+}
+
+TEST_F(BraltoCommandsTest, SaveNeedsADocument)
+{
+    openProject();
+    EXPECT_FALSE(find(Command::Save)->isEnabled);
+    EXPECT_FALSE(find(Command::SaveAll)->isEnabled);
+    EXPECT_FALSE(find(Command::RevealInFinder)->isEnabled);
+
+    workspace->openFile(harness.write("a.txt"));
+
+    EXPECT_TRUE(find(Command::Save)->isEnabled);
+    EXPECT_TRUE(find(Command::SaveAll)->isEnabled);
+    EXPECT_TRUE(find(Command::RevealInFinder)->isEnabled);
+}
+
+TEST_F(BraltoCommandsTest, RecentFoldersStandInTheirMenuUntilItIsCleared)
+{
+    openProject();
+    EXPECT_FALSE(find(Command::OpenRecent)->isEnabled);
+    harness.makeFolder("other");
+    workspace->rememberRecent(harness.home() + "/other");
+
+    const MenuItem recent = *find(Command::OpenRecent);
+    ASSERT_EQ(recent.items.size(), 3U);
+    EXPECT_EQ(recent.items[0].title, "other");
+    EXPECT_TRUE(recent.items[1].isSeparator());
+    recent.items[0].run();
+    ASSERT_EQ(harness.launcher.launches.size(), 1);
+    EXPECT_EQ(harness.launcher.launches.first().first, harness.home() + "/other");
+
+    run(Command::ClearMenu);
+    EXPECT_TRUE(workspace->recentFolders().isEmpty());
+    EXPECT_FALSE(harness.shared.contains("recentFolders"));
+}
+
+TEST_F(BraltoCommandsTest, CloseClosesThePaneThatHasTheKeyboardElseTheTab)
+{
+    openProject();
+    workspace->openFile(harness.write("a.txt"));
+    workspace->terminal().addPane(PaneKind::Chat);
+    harness.focus.area = FocusArea::Terminal;
+    run(Command::Close);
+    EXPECT_FALSE(workspace->terminal().hasPanes());
+    EXPECT_EQ(workspace->tabs().size(), 1U);
+
+    harness.focus.area = FocusArea::Content;
+    run(Command::Close);
+    EXPECT_TRUE(workspace->tabs().empty());
+}
+
+TEST_F(BraltoCommandsTest, ZoomActsOnTheFocusedArea)
+{
+    openProject();
+
+    run(Command::ZoomIn);
+    EXPECT_EQ(zoom.level(Zoom::Area::Editor), 1.1);
+    run(Command::ActualSize);
+    EXPECT_EQ(zoom.level(Zoom::Area::Editor), 1.0);
+}
