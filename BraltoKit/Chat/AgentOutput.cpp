@@ -47,12 +47,6 @@ std::optional<int> AgentOutput::exitStatus() const
     return m_exitStatus;
 }
 
-bool AgentOutput::hasSpoken() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_hasSpoken;
-}
-
 void AgentOutput::read(std::string_view bytes)
 {
     const std::vector<QByteArray> lines = m_lines.feed(bytes);
@@ -85,10 +79,7 @@ void AgentOutput::decode(const QByteArray& line, std::vector<ChatEvent>& events)
     const auto object = m_json.object(line);
     if (!object)
         return;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_hasSpoken = true;
-    }
+    m_hasSpoken = true;
     QDateTime now;
     m_door->whileOpen([this, &now](QObject*) { now = m_clock.now(); });
     auto decoded = ChatProtocol::events(*object, ChatProtocol::Source::Live, now, m_home);

@@ -8,6 +8,7 @@
 #include "Chat/ChatLineReader.h"
 #include "Chat/MainThreadDoor.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -54,7 +55,7 @@ public:
     /// The exit status, once the process has exited. Any thread.
     [[nodiscard]] std::optional<int> exitStatus() const;
     /// Whether a line of the agent's protocol has come. Any thread.
-    [[nodiscard]] bool hasSpoken() const;
+    [[nodiscard]] bool hasSpoken() const { return m_hasSpoken; }
     /// The end of what the agent wrote to its standard error. Any thread.
     [[nodiscard]] QString errorTail() const { return m_errors.tail(); }
 
@@ -76,6 +77,7 @@ private:
     JsonReader m_json;
 
     ChatErrorLog m_errors;
+    std::atomic<bool> m_hasSpoken = false;
 
     mutable std::mutex m_mutex;
     std::condition_variable m_taken;
@@ -83,7 +85,6 @@ private:
     int m_reads = 0; ///< Reads in `m_batch`.
     bool m_isHopping = false;
     bool m_isMuted = false;
-    bool m_hasSpoken = false;
     std::optional<int> m_exitStatus;
 };
 

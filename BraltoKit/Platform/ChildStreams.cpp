@@ -130,10 +130,12 @@ void ChildStreams::waitForInput()
 void ChildStreams::readPipe(Descriptor& pipe, const std::function<void(std::string_view)>& deliver)
 {
     const ssize_t length = ::read(pipe.get(), m_buffer.data(), std::size_t(m_buffer.size()));
-    if (length > 0)
+    if (length > 0) {
         deliver(std::string_view(m_buffer.constData(), std::size_t(length)));
-    else if (length == 0 || (errno != EAGAIN && errno != EINTR))
+        m_deadline.reset(); // However long the receiver took, there may be more.
+    } else if (length == 0 || (errno != EAGAIN && errno != EINTR)) {
         pipe.close();
+    }
 }
 
 void ChildStreams::readReport()
