@@ -8,6 +8,7 @@
 #include "Tests/Support/ManualScheduler.h"
 
 #include <QJsonArray>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -80,6 +81,9 @@ inline QByteArray refusal(const QString& id, const QString& error)
 class ChatHarness : public testing::Test {
 protected:
     using Kind = ChatState::Kind;
+
+    /// Nothing that a worker still reads outlives the test.
+    ~ChatHarness() override { QThreadPool::globalInstance()->waitForDone(); }
 
     ClaudeChat& open(const std::optional<QString>& sessionId = std::nullopt)
     {
