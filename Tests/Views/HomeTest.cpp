@@ -133,6 +133,26 @@ TEST_F(HomeTest, SearchingKeepsWhatMatches)
     EXPECT_EQ(names().size(), 2);
 }
 
+TEST_F(HomeTest, ReturnInTheSearchOpensTheFirstMatch)
+{
+    recent("tidal-api");
+    recent("nimbus-web");
+    show();
+    home->search().setFocus();
+    home->search().setText("tidal");
+
+    QTest::keyClick(&home->search(), Qt::Key_Return);
+
+    ASSERT_EQ(views.desk.launcher.launches.size(), 1);
+    EXPECT_TRUE(views.desk.launcher.launches.first().first.endsWith("tidal-api"));
+}
+
+TEST_F(HomeTest, ItHasTheKeyboardFromTheStart)
+{
+    show();
+    EXPECT_TRUE(home->hasFocus());
+}
+
 TEST_F(HomeTest, TheFindChordLeadsToTheSearch)
 {
     recent("tidal-api");

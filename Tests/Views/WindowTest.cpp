@@ -304,6 +304,44 @@ TEST_F(WindowTest, NothingHasTheKeyboardAtFirst)
     EXPECT_EQ(WindowFocus().current(), FocusArea::None);
 }
 
+TEST_F(WindowTest, TheKeyboardOfAClosedTabGoesToTheNextOne)
+{
+    showProject();
+    const WorkspaceTab first = views.open("a.cpp");
+    const WorkspaceTab second = views.open("b.cpp");
+    detail().panes().focusTab(second.id());
+
+    workspace().close(second);
+    EXPECT_EQ(WindowFocus().focusedTabId(), first.id());
+
+    workspace().close(first);
+    EXPECT_TRUE(window->hasFocus());
+}
+
+TEST_F(WindowTest, TheKeyboardOfAHiddenSidebarGoesToTheText)
+{
+    showProject();
+    const WorkspaceTab tab = views.open("a.cpp");
+    root->sidebar()->list().setFocus();
+
+    workspace().toggleSidebar();
+
+    EXPECT_EQ(WindowFocus().focusedTabId(), tab.id());
+}
+
+TEST_F(WindowTest, TheKeyboardOfAHiddenConsoleGoesToTheText)
+{
+    showProject();
+    const WorkspaceTab tab = views.open("a.cpp");
+    panel().show();
+    ViewHarness::settle();
+    EXPECT_EQ(WindowFocus().current(), FocusArea::Terminal);
+
+    panel().hide();
+
+    EXPECT_EQ(WindowFocus().focusedTabId(), tab.id());
+}
+
 TEST_F(WindowTest, TheFocusTellsItsArea)
 {
     showProject();

@@ -58,10 +58,11 @@ void TerminalPanelView::refresh()
     dropClosed();
     const TerminalGroup* group = m_panel.activeGroup();
     QSet<QString> shown;
-    if (group && m_panel.isVisible()) {
+    if (group) {
         for (const std::unique_ptr<ConsolePane>& pane : group->panes()) {
+            // What is made stays on show while the console slides away; nothing is made for it.
             shown.insert(pane->id());
-            if (!m_views.contains(pane->id()) && m_services.makePane)
+            if (!m_views.contains(pane->id()) && m_panel.isVisible() && m_services.makePane)
                 m_views.insert(pane->id(), new PaneView(theme(), m_panel, *pane,
                                                         m_services.makePane(*pane), this));
         }

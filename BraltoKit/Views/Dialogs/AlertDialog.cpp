@@ -13,7 +13,7 @@ namespace {
 
 constexpr int IconGap = 14;
 constexpr int CardPadding = 20;
-constexpr qsizetype LongestText = 2000;
+constexpr qsizetype LongestText = 900;
 
 } // namespace
 

@@ -94,11 +94,12 @@ void EditorPanes::dropClosed()
 
 void EditorPanes::refresh()
 {
+    // Asked before anything is hidden, which takes the keyboard away.
+    const bool hadFocus = isAncestorOf(window()->focusWidget());
     dropClosed();
     const Workspace& workspace = m_services.workspace;
     QWidget* active = ensureScreen(workspace.activeTabId());
     QWidget* split = ensureScreen(workspace.splitTabId());
-    const bool hadFocus = isAncestorOf(window()->focusWidget());
     for (QWidget* screen : std::as_const(m_screens)) {
         if (screen != active && screen != split)
             screen->hide();
@@ -116,8 +117,8 @@ void EditorPanes::refresh()
     m_second->setVisible(split != nullptr);
     m_seam->setVisible(split != nullptr);
     place();
-    if (active && hadFocus && !isAncestorOf(window()->focusWidget()))
-        active->setFocus();
+    if (hadFocus && WindowFocus::areaOf(window()->focusWidget()) != FocusArea::Content)
+        takeFocus();
 }
 
 void EditorPanes::place()
@@ -143,6 +144,14 @@ void EditorPanes::place()
         active->setGeometry(below);
     if (QWidget* split = m_screens.value(workspace.splitTabId()))
         split->setGeometry(m_secondContent->rect());
+}
+
+void EditorPanes::takeFocus()
+{
+    if (QWidget* active = screenOf(m_services.workspace.activeTabId()))
+        active->setFocus(Qt::OtherFocusReason);
+    else
+        window()->setFocus(Qt::OtherFocusReason);
 }
 
 void EditorPanes::focusTab(const QString& tabId)

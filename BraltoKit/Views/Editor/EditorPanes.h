@@ -27,6 +27,9 @@ public:
 
     /// Gives the keyboard to the view of a tab.
     void focusTab(const QString& tabId);
+    /// Gives the keyboard to the active tab, or without one to the window itself, so that it isn't
+    /// left to whatever comes next.
+    void takeFocus();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -1,14 +1,23 @@
 #include "Views/Editor/PictureView.h"
 
+#include "Chat/MainThreadDoor.h"
 #include "Views/Kit/Shape.h"
 
 #include <QImageReader>
 #include <QPainter>
+#include <QThreadPool>
 
 namespace Bralto {
 namespace {
 
 constexpr qint64 MostPixels = 120'000'000;
+
+QImage readImage(const QString& path, const QSize& size)
+{
+    QImageReader reader(path);
+    reader.setScaledSize(size);
+    return reader.read();
+}
 
 } // namespace
 
@@ -16,43 +25,69 @@ PictureView::PictureView(Theme& theme, const QString& path, QWidget* parent)
     : ThemedWidget(theme, parent)
     , m_path(path)
     , m_whole(QImageReader(path).size())
+    , m_door(std::make_shared<MainThreadDoor>(this))
 {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(path);
 }
 
+PictureView::~PictureView()
+{
+    m_door->close();
+}
+
 bool PictureView::canShow(const QString& path)
 {
-    QImageReader reader(path);
+    const QImageReader reader(path);
     const QSize size = reader.size();
     return reader.canRead() && size.isValid() && !size.isEmpty() &&
            qint64(size.width()) * size.height() <= MostPixels;
 }
 
-void PictureView::read(const QSize& wanted)
+QSize PictureView::shownSize() const
 {
-    if (m_image.size() == wanted)
-        return;
-    QImageReader reader(m_path);
-    reader.setScaledSize(wanted);
-    m_image = reader.read();
-}
-
-void PictureView::paintEvent(QPaintEvent* /*event*/)
-{
-    const double ratio = devicePixelRatioF();
     const QSize room =
         rect()
             .adjusted(Measure::Space6, Measure::Space6, -Measure::Space6, -Measure::Space6)
             .size() *
-        ratio;
+        devicePixelRatioF();
     if (room.isEmpty())
-        return;
+        return {};
     QSize size = m_whole;
     if (size.width() > room.width() || size.height() > room.height())
         size.scale(room, Qt::KeepAspectRatio);
-    read(size.expandedTo({1, 1}));
-    QRectF target(QPointF(), QSizeF(size) / ratio);
+    return size.expandedTo({1, 1});
+}
+
+void PictureView::read()
+{
+    const QSize wanted = shownSize();
+    if (wanted.isEmpty() || wanted == m_wanted)
+        return;
+    m_wanted = wanted;
+    QThreadPool::globalInstance()->start([this, door = m_door, path = m_path, wanted] {
+        QImage image = readImage(path, wanted);
+        door->post([this, image = std::move(image), wanted] {
+            // The window was resized meanwhile: another one is on its way.
+            if (wanted != m_wanted)
+                return;
+            m_image = image;
+            update();
+            emit imageRead();
+        });
+    });
+}
+
+void PictureView::resizeEvent(QResizeEvent* /*event*/)
+{
+    read();
+}
+
+void PictureView::paintEvent(QPaintEvent* /*event*/)
+{
+    if (m_image.isNull())
+        return;
+    QRectF target(QPointF(), QSizeF(shownSize()) / devicePixelRatioF());
     target.moveCenter(QRectF(rect()).center());
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -48,6 +48,7 @@ ProjectsHome::ProjectsHome(const ViewServices& services, QWidget* parent)
     , m_empty(new Place(services.theme, m_content))
 {
     m_sheet->setContent(m_content);
+    setFocusPolicy(Qt::StrongFocus);
     auto* column = new QVBoxLayout(m_column);
     column->setContentsMargins(0, Measure::HomeTop, 0, 0);
     column->setSpacing(0);
@@ -196,6 +197,8 @@ void ProjectsHome::keyPressEvent(QKeyEvent* event)
         m_search->clear();
     else if (event->key() == Qt::Key_Down && !m_rows.empty())
         m_rows.front()->setFocus(Qt::TabFocusReason);
+    else if (event->key() == Qt::Key_Return && m_search->hasFocus() && !m_rows.empty())
+        m_rows.front()->click();
     else
         ThemedWidget::keyPressEvent(event);
 }
@@ -204,6 +207,9 @@ void ProjectsHome::showEvent(QShowEvent* event)
 {
     // Times and looks may have changed while the screen was away.
     reload();
+    // The keys of this screen reach it from the start.
+    if (window()->focusWidget() == nullptr || window()->focusWidget() == window())
+        setFocus(Qt::OtherFocusReason);
     ThemedWidget::showEvent(event);
 }
 

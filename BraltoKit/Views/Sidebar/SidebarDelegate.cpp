@@ -95,7 +95,7 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
             Shape::fill(*painter, paint.rect, Measure::ControlRadius, tokens.frame.selected);
         else if (paint.isHovered)
             Shape::fill(*painter, paint.rect, Measure::ControlRadius, tokens.frame.hover);
-        if (option.state & QStyle::State_HasFocus)
+        if (m_isFocusShown && (option.state & QStyle::State_HasFocus))
             Shape::ring(*painter, paint.rect, Measure::ControlRadius, Measure::FocusRing,
                         tokens.frame.label);
     }

@@ -22,6 +22,8 @@ public:
 
     /// A factor for all sizes.
     void setZoom(double zoom) { m_zoom = zoom; }
+    /// Whether the row that has the keyboard shows it: only for those who use the keyboard.
+    void setFocusShown(bool shown) { m_isFocusShown = shown; }
     /// Where the close button of an open row lies.
     [[nodiscard]] QRect closeButton(const QRect& row) const;
 
@@ -35,6 +37,7 @@ private:
     Theme& m_theme;
     const SidebarModel& m_model;
     double m_zoom = 1;
+    bool m_isFocusShown = false;
 };
 
 } // namespace Bralto

@@ -138,6 +138,7 @@ std::unique_ptr<QMenu> SidebarList::menuFor(const QModelIndex& index)
 
 void SidebarList::mousePressEvent(QMouseEvent* event)
 {
+    m_delegate->setFocusShown(false);
     const QModelIndex index = indexAt(event->position().toPoint());
     m_pressed = index;
     m_pressedClose = false;
@@ -201,6 +202,8 @@ bool SidebarList::walkTree(int key)
 
 void SidebarList::keyPressEvent(QKeyEvent* event)
 {
+    m_delegate->setFocusShown(true);
+    viewport()->update();
     const SidebarRow* row = m_model->row(currentIndex());
     const bool isNode = row && (row->kind == Kind::File || row->kind == Kind::Folder);
     switch (event->key()) {
@@ -249,6 +252,8 @@ void SidebarList::currentChanged(const QModelIndex& current, const QModelIndex& 
 void SidebarList::focusInEvent(QFocusEvent* event)
 {
     QListView::focusInEvent(event);
+    m_delegate->setFocusShown(event->reason() == Qt::TabFocusReason ||
+                              event->reason() == Qt::BacktabFocusReason);
     if (!currentIndex().isValid() && event->reason() != Qt::MouseFocusReason &&
         m_model->rowCount() > 1)
         setCurrentIndex(m_model->index(1));

@@ -58,8 +58,7 @@ void DetailView::followPanel()
     connect(&panel, &TerminalPanel::isMaximizedChanged, m_console, settle);
     connect(&panel, &TerminalPanel::editorFractionChanged, m_console,
             [this] { settleEditor(Step::AtOnce); });
-    connect(&panel, &TerminalPanel::focusReturned, m_console,
-            [this] { m_panes->focusTab(m_services.workspace.activeTabId()); });
+    connect(&panel, &TerminalPanel::focusReturned, m_console, [this] { m_panes->takeFocus(); });
     m_seam->raise();
     settleEditor(Step::AtOnce);
 }

@@ -1,5 +1,6 @@
 #include "Views/Window/RootView.h"
 
+#include "Views/Editor/EditorPanes.h"
 #include "Views/Home/ProjectsHome.h"
 #include "Views/Home/WelcomeView.h"
 #include "Views/Kit/Animated.h"
@@ -79,6 +80,9 @@ void RootView::buildProject()
 
 void RootView::followSidebar()
 {
+    const bool hasFocus = m_sidebar && m_sidebar->isAncestorOf(window()->focusWidget());
+    if (hasFocus && !m_services.workspace.isSidebarVisible())
+        m_detail->panes().takeFocus();
     m_shown->moveTo(m_services.workspace.isSidebarVisible() ? 1 : 0);
 }
 
