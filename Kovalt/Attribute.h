@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace Kovalt {
+
+/// A cell's colour as it was asked for, 4 bytes. What it looks like is the palette's matter.
+struct CellColor {
+    enum class Kind : std::uint8_t { Default, DefaultInverted, Ansi256, TrueColor, None };
+
+    Kind kind = Kind::Default;
+    std::uint8_t red = 0; ///< The palette index of `Ansi256`.
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+
+    [[nodiscard]] static constexpr CellColor ansi256(std::uint8_t code)
+    {
+        return {Kind::Ansi256, code, 0, 0};
+    }
+    [[nodiscard]] static constexpr CellColor trueColor(std::uint8_t red, std::uint8_t green,
+                                                       std::uint8_t blue)
+    {
+        return {Kind::TrueColor, red, green, blue};
+    }
+    /// No colour at all: an underline in the colour of its text.
+    [[nodiscard]] static constexpr CellColor none() { return {Kind::None, 0, 0, 0}; }
+
+    bool operator==(const CellColor&) const = default;
+};
+
+/// Bits of a cell's style.
+namespace CharacterStyle {
+inline constexpr std::uint8_t None = 0;
+inline constexpr std::uint8_t Bold = 1;
+inline constexpr std::uint8_t Underline = 2;
+inline constexpr std::uint8_t Blink = 4;
+inline constexpr std::uint8_t Inverse = 8;
+inline constexpr std::uint8_t Invisible = 16;
+inline constexpr std::uint8_t Dim = 32;
+inline constexpr std::uint8_t Italic = 64;
+inline constexpr std::uint8_t CrossedOut = 128;
+} // namespace CharacterStyle
+
+enum class UnderlineStyle : std::uint8_t { None, Single, Double, Curly, Dotted, Dashed };
+
+/// Colours and style of a cell, 16 bytes of plain data.
+struct Attribute {
+    CellColor fg;
+    CellColor bg;
+    CellColor underlineColor = CellColor::none();
+    std::uint8_t style = CharacterStyle::None;
+    UnderlineStyle underlineStyle = UnderlineStyle::None;
+    std::uint16_t reserved = 0; ///< Always 0, so that two attributes compare as bytes.
+
+    bool operator==(const Attribute&) const = default;
+
+    [[nodiscard]] constexpr bool has(std::uint8_t bits) const { return (style & bits) != 0; }
+    /// The body of a report of this attribute: "0", the style codes and the colours, without the
+    /// final letter.
+    [[nodiscard]] std::string toSgr() const;
+};
+static_assert(sizeof(Attribute) == 16);
+
+} // namespace Kovalt
