@@ -35,7 +35,7 @@ QString textOf(const QJsonValue& content)
     if (content.isString())
         return content.toString();
     QStringList texts;
-    for (const QJsonValue& block : content.toArray()) {
+    for (const auto& block : content.toArray()) {
         if (block["type"] == "text")
             texts.append(block["text"].toString());
     }
