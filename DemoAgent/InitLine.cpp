@@ -10,7 +10,7 @@ QJsonObject initLine(const Conversation& conversation)
     for (const QString& name : conversation.mcpServers)
         servers.append(QJsonObject{{"name", name}, {"status", "disabled"}});
     QJsonArray commandNames;
-    for (const auto& command : Commands::list(conversation.home, conversation.folder))
+    for (const QJsonValue command : Commands::list(conversation.home, conversation.folder))
         commandNames.append(command["name"]);
     static const QStringList tools{
         "Task", "AskUserQuestion", "Bash",     "Edit", "ExitPlanMode", "Glob", "Grep",
