@@ -143,7 +143,7 @@ const QString& conversation()
 {
     static const QTemporaryDir folder;
     static const QString path = [] {
-        const QString file = folder.filePath(QStringLiteral("conversation.jsonl"));
+        QString file = folder.filePath(QStringLiteral("conversation.jsonl"));
         ConversationWriter(file).write();
         return file;
     }();
