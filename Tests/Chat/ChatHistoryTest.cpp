@@ -36,7 +36,7 @@ class ChatHistoryTest : public testing::Test {
 protected:
     QString write(const char* name, const QByteArray& bytes)
     {
-        const QString path = m_folder.filePath(q(name));
+        QString path = m_folder.filePath(q(name));
         QDir().mkpath(QFileInfo(path).path());
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
