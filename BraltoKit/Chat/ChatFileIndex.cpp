@@ -35,12 +35,12 @@ int score(QStringView query, QStringView path)
 
 bool isPackage(const QString& name)
 {
-    static const QSet<QString> Extensions{
+    static const QSet<QString> extensions{
         QStringLiteral("app"),       QStringLiteral("bundle"),      QStringLiteral("framework"),
         QStringLiteral("xcodeproj"), QStringLiteral("xcworkspace"), QStringLiteral("playground"),
         QStringLiteral("plugin"),    QStringLiteral("kext"),        QStringLiteral("docc")};
     const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 && Extensions.contains(name.mid(dot + 1).toLower());
+    return dot > 0 && extensions.contains(name.mid(dot + 1).toLower());
 }
 
 /// Adds the files of one folder, then those of the folders in it.
@@ -109,13 +109,13 @@ namespace ChatFileWalk {
 
 const QSet<QString>& skipped()
 {
-    static const QSet<QString> Names{
+    static const QSet<QString> names{
         QStringLiteral(".git"),         QStringLiteral(".build"), QStringLiteral(".swiftpm"),
         QStringLiteral("node_modules"), QStringLiteral("build"),  QStringLiteral("DerivedData"),
         QStringLiteral("Pods"),         QStringLiteral("dist"),   QStringLiteral(".next"),
         QStringLiteral(".venv"),        QStringLiteral("venv"),   QStringLiteral("__pycache__"),
         QStringLiteral(".DS_Store")};
-    return Names;
+    return names;
 }
 
 QStringList list(const QString& folder, qsizetype limit, const std::stop_token& stop)

@@ -159,14 +159,14 @@ std::vector<double> columnWidths(std::vector<double> wanted, double available)
 
 bool isNumeric(const MarkdownBlocks::Table& table, qsizetype column)
 {
-    static const QRegularExpression Number(
+    static const QRegularExpression number(
         QStringLiteral("^[-+±−~≈<>≤≥$€£]{0,2}\\d[\\d.,  ]*( ?[%a-zA-Zµ°/]{1,4})?$"));
     bool hasNumber = false;
     for (const QStringList& row : table.rows) {
         const QString text = cell(row, column);
         if (text.isEmpty())
             continue;
-        if (!Number.match(text).hasMatch())
+        if (!number.match(text).hasMatch())
             return false;
         hasNumber = true;
     }
