@@ -292,6 +292,18 @@ TEST_F(ChatViewTest, WithoutAnAgentTheCardOffersTheTwoWaysOn)
     EXPECT_EQ(help.count(), 1);
 }
 
+TEST_F(ChatViewTest, AMissingAgentIsToldOnceByItsCard)
+{
+    type("Hello");
+    press(Qt::Key_Return);
+    agent().complain("zsh:1: command not found: claude\n");
+    agent().exit(127);
+
+    ASSERT_TRUE(part<ChatMissingAgentCard>().isVisible());
+    EXPECT_EQ(chat().state().kind, ChatState::Kind::Failed);
+    EXPECT_FALSE(m_view->transcriptView().workingRow());
+}
+
 TEST_F(ChatViewTest, TypingInTheTranscriptWritesInTheComposer)
 {
     m_view->transcriptView().setFocus();
