@@ -1,10 +1,9 @@
 #include "Chat/ChatFileIndex.h"
 
+#include "Base/Background.h"
+
 #include <QDir>
-#include <QFuture>
-#include <QPromise>
 #include <QSet>
-#include <QThreadPool>
 
 #include <algorithm>
 
@@ -157,19 +156,18 @@ void ChatFileIndex::invalidate(const QString& folder)
 
 void ChatFileIndex::walk(const QString& folder)
 {
-    const auto promise = std::make_shared<QPromise<List>>();
-    promise->start();
-    promise->future().then(this, [this, folder](const List& list) {
-        Entry& entry = m_entries[folder];
-        entry.list = list;
-        entry.isWalking = false;
-        emit listed(folder);
-    });
-    QThreadPool::globalInstance()->start([promise, folder, stop = m_stop.get_token()] {
-        promise->addResult(std::make_shared<const ChatFileList>(
-            ChatFileWalk::list(folder, ChatFileWalk::MostPaths, stop)));
-        promise->finish();
-    });
+    inBackground(
+        this,
+        [folder, stop = m_stop.get_token()]() -> List {
+            return std::make_shared<const ChatFileList>(
+                ChatFileWalk::list(folder, ChatFileWalk::MostPaths, stop));
+        },
+        [this, folder](const List& list) {
+            Entry& entry = m_entries[folder];
+            entry.list = list;
+            entry.isWalking = false;
+            emit listed(folder);
+        });
 }
 
 } // namespace Bralto

@@ -32,6 +32,7 @@ public:
     /// The transcript changed. Shown with the next frame.
     void transcriptChanged(const ChatTranscriptChange& change);
     void setWorkingRow(const std::optional<ChatWorkingRow>& row);
+    [[nodiscard]] const std::optional<ChatWorkingRow>& workingRow() const { return m_working; }
     /// The facts above the first message; empty for none.
     void setBanner(const QStringList& parts);
     /// The project, in which relative paths are looked up.
