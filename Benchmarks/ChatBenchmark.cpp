@@ -54,12 +54,12 @@ private:
 
     QByteArray words(qsizetype size)
     {
-        static const char* const Words[] = {"the",       "wire ",     "holds",
+        static const char* const words[] = {"the",       "wire ",     "holds",
                                             "a line\\n", "that",      "\\\"says\\\"",
                                             "what",      "the agent", "does é"};
         QByteArray text;
         while (text.size() < size) {
-            text += Words[m_random() % std::size(Words)];
+            text += words[m_random() % std::size(words)];
             text += ' ';
         }
         return text;
@@ -144,7 +144,7 @@ const QString& conversation()
 {
     static const QTemporaryDir folder;
     static const QString path = [] {
-        const QString file = folder.filePath(QStringLiteral("conversation.jsonl"));
+        QString file = folder.filePath(QStringLiteral("conversation.jsonl"));
         ConversationWriter(file).write();
         return file;
     }();

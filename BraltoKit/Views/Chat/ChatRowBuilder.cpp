@@ -130,8 +130,8 @@ ChatRowLayout ChatRowBuilder::buildReply(const ChatRow& row) const
     const auto& text = std::get<ChatTextBlock>(row.blocks.front());
     ChatCanvas canvas(m_style);
     const double room = std::round(canvas.u(RowGap + margin(row, false)));
-    static const std::vector<ChatRowLayout::Part> None;
-    const std::vector<ChatRowLayout::Part>& old = row.layout ? row.layout->parts : None;
+    static const std::vector<ChatRowLayout::Part> none;
+    const std::vector<ChatRowLayout::Part>& old = row.layout ? row.layout->parts : none;
 
     ChatRowLayout layout;
     if (row.layout && canKeep(*row.layout, text.text)) {

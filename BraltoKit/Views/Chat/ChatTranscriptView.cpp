@@ -101,8 +101,8 @@ void ChatTranscriptView::setTranscript(const ChatTranscript* transcript)
     clearSelection();
     m_focused.reset();
     setHovered(std::nullopt);
-    static const ChatTranscript Empty;
-    m_rows.reset(transcript != nullptr ? *transcript : Empty, !m_banner.isEmpty(), columnWidth());
+    static const ChatTranscript empty;
+    m_rows.reset(transcript != nullptr ? *transcript : empty, !m_banner.isEmpty(), columnWidth());
     m_changedAll = true;
     m_follow.jumpToBottom();
     m_needsLayout = true;
@@ -204,7 +204,7 @@ void ChatTranscriptView::layOutRow(std::size_t index)
     ChatRow& row = m_rows.at(index);
     if (row.isMeasured && row.layout)
         return;
-    static const ChatTranscript Empty;
+    static const ChatTranscript empty;
     const ChatCanvasStyle style{
         m_theme.tokens(),
         m_zoom,
@@ -213,7 +213,7 @@ void ChatTranscriptView::layOutRow(std::size_t index)
         [this](const QString& key) { return m_open.contains(key) || m_copied == key; },
         [this](const QString& key, const ChatImage& image) { return findImage(key, image); },
     };
-    const ChatRowBuilder::Content content{m_transcript != nullptr ? *m_transcript : Empty,
+    const ChatRowBuilder::Content content{m_transcript != nullptr ? *m_transcript : empty,
                                           m_thinking, m_working, m_banner};
     ChatRowLayout layout = ChatRowBuilder(style, content, columnWidth()).build(row);
     const auto changed = row.layout ? differenceOf(*row.layout, layout)

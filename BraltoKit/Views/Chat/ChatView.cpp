@@ -13,6 +13,7 @@
 #include "Views/Chat/ImageOverlay.h"
 #include "Views/Chat/JumpButton.h"
 
+#include <QCoreApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>

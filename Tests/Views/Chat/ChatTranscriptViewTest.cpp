@@ -50,6 +50,8 @@ protected:
         m_view.resize(500, 400);
         m_view.setTranscript(&m_transcript);
         m_view.show();
+        m_view.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&m_view));
     }
 
     void add(ChatMessage message)
@@ -213,6 +215,18 @@ TEST_F(ChatTranscriptViewTest, AClickOpensAToolRowAndAnotherClosesIt)
     const ChatRow& open = m_view.rows().all()[0];
     click({250, int(open.top) + 4 + 15});
     EXPECT_DOUBLE_EQ(m_view.rows().all()[0].height, folded);
+}
+
+TEST_F(ChatTranscriptViewTest, ToolRowsAreReachedAndOpenedByKey)
+{
+    add(message("m", ChatRole::Assistant, {bash("call", "one")}));
+    const double folded = m_view.rows().all()[0].height;
+    m_view.setFocus();
+
+    QTest::keyClick(&m_view, Qt::Key_Tab);
+    QTest::keyClick(&m_view, Qt::Key_Return);
+
+    EXPECT_GT(m_view.rows().all()[0].height, folded);
 }
 
 TEST_F(ChatTranscriptViewTest, ADraggedSelectionIsCopied)

@@ -28,6 +28,7 @@ protected:
         m_view->resize(500, 600);
         m_view->show();
         m_view->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_view.get()));
         field().setFocus();
     }
     void TearDown() override { m_view.reset(); }
@@ -273,6 +274,7 @@ TEST_F(ChatViewTest, ThePaletteCompletesByTab)
     press(Qt::Key_Tab);
 
     EXPECT_EQ(field().toPlainText(), "/clear ");
+    EXPECT_TRUE(field().hasFocus());
 }
 
 TEST_F(ChatViewTest, WithoutAnAgentTheCardOffersTheTwoWaysOn)
