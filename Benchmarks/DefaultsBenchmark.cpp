@@ -7,6 +7,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <fstream>
+#include <string>
+
 namespace Bralto {
 namespace {
 
@@ -37,7 +40,19 @@ void decodeDefaults(benchmark::State& state)
 }
 BENCHMARK(decodeDefaults)->Arg(100)->Arg(8000);
 
-/// What a model pays on the main thread: memory only.
+/// How often this process has read from a file, by the kernel's count.
+qint64 readCalls()
+{
+    std::ifstream file("/proc/self/io");
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("syscr: "))
+            return std::stoll(line.substr(7));
+    }
+    return 0;
+}
+
+/// What a model pays on the main thread: memory only. `files` is how many reads of files there were
+/// for one of a default.
 void readDefault(benchmark::State& state)
 {
     const QTemporaryDir folder;
@@ -45,8 +60,12 @@ void readDefault(benchmark::State& state)
     for (qlonglong index = 0; index < 1000; ++index)
         store.set("zoom." + QString::number(index), 1.0);
     const QString key = "zoom.500";
+    const qint64 before = readCalls();
+    const qint64 ofCounting = readCalls() - before;
     for (auto _ : state)
         benchmark::DoNotOptimize(store.number(key));
+    const qint64 calls = readCalls() - before - 2 * ofCounting;
+    state.counters["files"] = double(calls) / double(state.iterations());
 }
 BENCHMARK(readDefault);
 

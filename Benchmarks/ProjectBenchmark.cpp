@@ -1,9 +1,8 @@
 // What a project of 100,000 files costs: opening it, and looking at it again with some folders
 // open. Only what the tree shows is listed, so the first must cost what an empty project costs.
 
+#include "Benchmarks/BenchApplication.h"
 #include "Tests/Support/WorkspaceHarness.h"
-
-#include <QCoreApplication>
 
 #include <benchmark/benchmark.h>
 
@@ -35,8 +34,7 @@ public:
 /// The project with `filesInFolder` in each folder, made when it is first asked for.
 Project& project(int filesInFolder)
 {
-    static int argc = 0;
-    static const QCoreApplication application(argc, nullptr);
+    benchApplication();
     if (filesInFolder == 0) {
         static Project empty(0);
         return empty;

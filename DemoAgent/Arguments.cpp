@@ -11,7 +11,7 @@ using Setter = std::function<void(Arguments&, const QString&)>;
 
 const std::map<QString, Setter>& switches()
 {
-    static const std::map<QString, Setter> Table{
+    static const std::map<QString, Setter> table{
         {"-p", [](Arguments& all, const QString&) { all.isHeadless = true; }},
         {"--print", [](Arguments& all, const QString&) { all.isHeadless = true; }},
         {"--version", [](Arguments& all, const QString&) { all.wantsVersion = true; }},
@@ -23,7 +23,7 @@ const std::map<QString, Setter>& switches()
         {"--dangerously-skip-permissions",
          [](Arguments& all, const QString&) { all.maySkipPermissions = true; }},
     };
-    return Table;
+    return table;
 }
 
 // Flags with a value. Those that change nothing here stand in the table so that their value isn't
@@ -31,7 +31,7 @@ const std::map<QString, Setter>& switches()
 const std::map<QString, Setter>& options()
 {
     const auto ignored = [](Arguments&, const QString&) {};
-    static const std::map<QString, Setter> Table{
+    static const std::map<QString, Setter> table{
         {"--resume", [](Arguments& all, const QString& value) { all.resume = value; }},
         {"-r", [](Arguments& all, const QString& value) { all.resume = value; }},
         {"--session-id", [](Arguments& all, const QString& value) { all.sessionId = value; }},
@@ -48,7 +48,7 @@ const std::map<QString, Setter>& options()
         {"--permission-prompt-tool", ignored},
         {"--settings", ignored},
     };
-    return Table;
+    return table;
 }
 
 } // namespace

@@ -126,7 +126,7 @@ using Answer = ControlReply (*)(const QJsonObject&, Conversation&);
 
 const std::map<QString, Answer>& answers()
 {
-    static const std::map<QString, Answer> Table{
+    static const std::map<QString, Answer> table{
         {"initialize", initialize},
         {"set_model", setModel},
         {"set_permission_mode", setPermissionMode},
@@ -140,7 +140,7 @@ const std::map<QString, Answer>& answers()
         {"get_status", report<Reports::status>},
         {"mcp_status", report<Reports::mcpServers>},
     };
-    return Table;
+    return table;
 }
 
 } // namespace

@@ -25,7 +25,7 @@ QStringList serverNames(const QStringList& configs)
 Prompt Prompt::fromContent(const QJsonValue& content)
 {
     Prompt prompt{.text = textOf(content), .images = 0, .content = content};
-    for (const QJsonValue& block : content.toArray())
+    for (const QJsonValue block : content.toArray())
         prompt.images += block["type"] == "image" ? 1 : 0;
     return prompt;
 }

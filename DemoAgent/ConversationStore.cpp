@@ -35,7 +35,7 @@ QString textOf(const QJsonValue& content)
     if (content.isString())
         return content.toString();
     QStringList texts;
-    for (const QJsonValue& block : content.toArray()) {
+    for (const QJsonValue block : content.toArray()) {
         if (block["type"] == "text")
             texts.append(block["text"].toString());
     }
@@ -89,12 +89,12 @@ std::optional<StoredConversation> ConversationStore::load()
     return result;
 }
 
-QString ConversationStore::appendUser(const QJsonObject& message, QJsonObject more)
+QString ConversationStore::appendUser(const QJsonObject& message, const QJsonObject& more)
 {
     return append({{"type", "user"}, {"message", message}}, more);
 }
 
-QString ConversationStore::appendAssistant(const QJsonObject& message, QJsonObject more)
+QString ConversationStore::appendAssistant(const QJsonObject& message, const QJsonObject& more)
 {
     return append({{"type", "assistant"}, {"message", message}}, more);
 }

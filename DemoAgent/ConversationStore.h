@@ -31,8 +31,8 @@ public:
     std::optional<StoredConversation> load();
 
     /// `message` is the API's message object. Returns the line's uuid.
-    QString appendUser(const QJsonObject& message, QJsonObject more = {});
-    QString appendAssistant(const QJsonObject& message, QJsonObject more = {});
+    QString appendUser(const QJsonObject& message, const QJsonObject& more = {});
+    QString appendAssistant(const QJsonObject& message, const QJsonObject& more = {});
     /// A line that is no part of the chain of messages.
     void appendNote(QJsonObject line);
     /// A line of a subagent's own file, beside the conversation.

@@ -10,16 +10,16 @@ QJsonObject initLine(const Conversation& conversation)
     for (const QString& name : conversation.mcpServers)
         servers.append(QJsonObject{{"name", name}, {"status", "disabled"}});
     QJsonArray commandNames;
-    for (const QJsonValue& command : Commands::list(conversation.home, conversation.folder))
+    for (const QJsonValue command : Commands::list(conversation.home, conversation.folder))
         commandNames.append(command["name"]);
-    static const QStringList Tools{
+    static const QStringList tools{
         "Task", "AskUserQuestion", "Bash",     "Edit", "ExitPlanMode", "Glob", "Grep",
         "Read", "TodoWrite",       "WebFetch", "Write"};
     return {
         {"type", "system"},
         {"subtype", "init"},
         {"cwd", conversation.folder},
-        {"tools", QJsonArray::fromStringList(Tools)},
+        {"tools", QJsonArray::fromStringList(tools)},
         {"mcp_servers", servers},
         {"model", conversation.settings.model},
         {"permissionMode", conversation.settings.permissionMode},

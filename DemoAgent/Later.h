@@ -36,6 +36,7 @@ public:
             : m_later(later)
         {
         }
+        // NOLINTBEGIN(readability-identifier-naming): the language names these.
         [[nodiscard]] bool await_ready() const noexcept { return false; }
         void await_suspend(std::coroutine_handle<> waiter)
         {
@@ -44,6 +45,7 @@ public:
                 m_later.wake();
         }
         T await_resume() { return std::move(*m_later.m_value); }
+        // NOLINTEND(readability-identifier-naming)
 
     private:
         Later& m_later;

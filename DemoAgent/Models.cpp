@@ -39,8 +39,8 @@ qint64 contextWindow(const QString& id)
 
 const QStringList& effortLevels()
 {
-    static const QStringList Levels{"low", "medium", "high", "xhigh", "max"};
-    return Levels;
+    static const QStringList levels{"low", "medium", "high", "xhigh", "max"};
+    return levels;
 }
 
 QJsonArray asJson()

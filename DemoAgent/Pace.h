@@ -28,9 +28,11 @@ public:
             : m_pause(pause)
         {
         }
+        // NOLINTBEGIN(readability-identifier-naming): the language names these.
         [[nodiscard]] bool await_ready() const noexcept { return false; }
         void await_suspend(std::coroutine_handle<> waiter);
         void await_resume() const noexcept {}
+        // NOLINTEND(readability-identifier-naming)
 
     private:
         std::chrono::milliseconds m_pause;

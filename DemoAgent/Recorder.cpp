@@ -12,11 +12,11 @@ namespace {
 
 QJsonObject environment()
 {
-    static const QStringList Names{"HOME", "PATH", "TERM", "COLORTERM", "TERM_PROGRAM", "LANG"};
+    static const QStringList names{"HOME", "PATH", "TERM", "COLORTERM", "TERM_PROGRAM", "LANG"};
     const QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
     QJsonObject result;
     for (const QString& name : all.keys()) {
-        if (name.startsWith(u"BRALTO") || name.startsWith(u"CLAUDE") || Names.contains(name))
+        if (name.startsWith(u"BRALTO") || name.startsWith(u"CLAUDE") || names.contains(name))
             result.insert(name, all.value(name));
     }
     return result;

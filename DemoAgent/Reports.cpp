@@ -100,7 +100,7 @@ QString contextText(const Conversation& conversation)
     QString text = QString("**Context:** %1 of %2 tokens\n\n| What | Tokens |\n|---|---:|\n")
                        .arg(report.value("totalTokens").toInteger())
                        .arg(report.value("maxTokens").toInteger());
-    for (const QJsonValue& entry : report.value("categories").toArray()) {
+    for (const QJsonValue entry : report.value("categories").toArray()) {
         text +=
             QString("| %1 | %2 |\n").arg(entry["name"].toString()).arg(entry["tokens"].toInteger());
     }

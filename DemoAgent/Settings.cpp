@@ -24,8 +24,8 @@ std::optional<QString> known(const QString& name)
 {
     if (name == u"manual")
         return "default";
-    static const QStringList Modes{"default", "acceptEdits", "plan", "bypassPermissions"};
-    if (Modes.contains(name))
+    static const QStringList modes{"default", "acceptEdits", "plan", "bypassPermissions"};
+    if (modes.contains(name))
         return name;
     return std::nullopt;
 }

@@ -7,6 +7,9 @@
 
 namespace DemoAgent {
 
+// The names of the coroutine hooks are the language's.
+// NOLINTBEGIN(readability-identifier-naming)
+
 template <typename T>
 class Task;
 
@@ -105,5 +108,7 @@ inline Task<void> Promise<void>::get_return_object()
 }
 
 } // namespace Detail
+
+// NOLINTEND(readability-identifier-naming)
 
 } // namespace DemoAgent

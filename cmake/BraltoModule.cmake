@@ -101,7 +101,8 @@ function(bralto_test_headers)
     add_library(TestHeaders STATIC ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
     target_link_libraries(TestHeaders PRIVATE Qt6::Core GTest::gtest)
     target_compile_options(TestHeaders PRIVATE ${BRALTO_WARNINGS} -fPIE)
-    target_precompile_headers(TestHeaders PRIVATE <gtest/gtest.h> <QByteArray> <QDateTime> <QHash> <QList> <QObject>
+    target_precompile_headers(TestHeaders PRIVATE <gtest/gtest.h> ${PROJECT_SOURCE_DIR}/Tests/Support/QtPrinters.h
+        <QByteArray> <QDateTime> <QHash> <QList> <QObject>
         <QString> <QStringList> <QTemporaryDir> <QVariant> <functional> <memory> <optional> <variant> <vector>)
 endfunction()
 

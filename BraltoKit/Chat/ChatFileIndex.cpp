@@ -1,10 +1,9 @@
 #include "Chat/ChatFileIndex.h"
 
+#include "Base/Background.h"
+
 #include <QDir>
-#include <QFuture>
-#include <QPromise>
 #include <QSet>
-#include <QThreadPool>
 
 #include <algorithm>
 
@@ -36,12 +35,12 @@ int score(QStringView query, QStringView path)
 
 bool isPackage(const QString& name)
 {
-    static const QSet<QString> Extensions{
+    static const QSet<QString> extensions{
         QStringLiteral("app"),       QStringLiteral("bundle"),      QStringLiteral("framework"),
         QStringLiteral("xcodeproj"), QStringLiteral("xcworkspace"), QStringLiteral("playground"),
         QStringLiteral("plugin"),    QStringLiteral("kext"),        QStringLiteral("docc")};
     const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 && Extensions.contains(name.mid(dot + 1).toLower());
+    return dot > 0 && extensions.contains(name.mid(dot + 1).toLower());
 }
 
 /// Adds the files of one folder, then those of the folders in it.
@@ -110,13 +109,13 @@ namespace ChatFileWalk {
 
 const QSet<QString>& skipped()
 {
-    static const QSet<QString> Names{
+    static const QSet<QString> names{
         QStringLiteral(".git"),         QStringLiteral(".build"), QStringLiteral(".swiftpm"),
         QStringLiteral("node_modules"), QStringLiteral("build"),  QStringLiteral("DerivedData"),
         QStringLiteral("Pods"),         QStringLiteral("dist"),   QStringLiteral(".next"),
         QStringLiteral(".venv"),        QStringLiteral("venv"),   QStringLiteral("__pycache__"),
         QStringLiteral(".DS_Store")};
-    return Names;
+    return names;
 }
 
 QStringList list(const QString& folder, qsizetype limit, const std::stop_token& stop)
@@ -157,19 +156,18 @@ void ChatFileIndex::invalidate(const QString& folder)
 
 void ChatFileIndex::walk(const QString& folder)
 {
-    const auto promise = std::make_shared<QPromise<List>>();
-    promise->start();
-    promise->future().then(this, [this, folder](const List& list) {
-        Entry& entry = m_entries[folder];
-        entry.list = list;
-        entry.isWalking = false;
-        emit listed(folder);
-    });
-    QThreadPool::globalInstance()->start([promise, folder, stop = m_stop.get_token()] {
-        promise->addResult(std::make_shared<const ChatFileList>(
-            ChatFileWalk::list(folder, ChatFileWalk::MostPaths, stop)));
-        promise->finish();
-    });
+    inBackground(
+        this,
+        [folder, stop = m_stop.get_token()]() -> List {
+            return std::make_shared<const ChatFileList>(
+                ChatFileWalk::list(folder, ChatFileWalk::MostPaths, stop));
+        },
+        [this, folder](const List& list) {
+            Entry& entry = m_entries[folder];
+            entry.list = list;
+            entry.isWalking = false;
+            emit listed(folder);
+        });
 }
 
 } // namespace Bralto

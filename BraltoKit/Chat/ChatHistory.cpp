@@ -2,6 +2,7 @@
 
 #include "Base/Json.h"
 #include "Chat/ChatProtocol.h"
+#include "Chat/LineBatches.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,10 +10,8 @@
 #include <QThread>
 
 #include <algorithm>
-#include <atomic>
-#include <condition_variable>
 #include <cstring>
-#include <memory>
+#include <map>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -23,103 +22,20 @@ namespace {
 
 constexpr int MostThreads = 4;
 
-/// Reads the lines of a file that begin in one stretch of it, in memory that it keeps for the next
-/// stretch.
-class SegmentReader {
-public:
-    SegmentReader(const QString& path, qint64 segmentBytes)
-        : m_file(path)
-        , m_segmentBytes(segmentBytes)
-    {
-        m_isOpen = m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    }
-
-    /// The lines that begin in the segment at `start`, with their line feeds; at least
-    /// `JsonReader::Padding` readable bytes follow. Valid until the next call; absent if the file
-    /// can't be read.
-    std::optional<std::string_view> read(qint64 start)
-    {
-        // A line begins behind a line feed, so the byte before the segment counts.
-        const qint64 from = std::max<qint64>(start - 1, 0);
-        const std::size_t size = std::size_t(start + m_segmentBytes - from);
-        m_size = 0;
-        if (!m_isOpen || !m_file.seek(from) || !fill(size))
-            return std::nullopt;
-        const std::size_t begin = start == 0 ? 0 : behindLineFeed(0);
-        // With no line to finish the bytes behind the segment are the next one's.
-        if (begin >= size || begin >= m_size)
-            return std::string_view();
-        std::size_t end = behindLineFeed(size - 1);
-        while (end == m_size && m_size >= size && m_bytes[m_size - 1] != '\n') {
-            const std::size_t known = m_size;
-            if (!fill(2 * m_size))
-                return std::nullopt;
-            if (m_size == known)
-                break;
-            end = behindLineFeed(known);
-        }
-        return std::string_view(m_bytes.get() + begin, end - begin);
-    }
-
-private:
-    /// Reads on until `size` bytes are there or the file ends. False after an error.
-    bool fill(std::size_t size)
-    {
-        reserve(size);
-        while (m_size < size) {
-            const qint64 count = m_file.read(m_bytes.get() + m_size, qint64(size - m_size));
-            if (count <= 0)
-                return count == 0;
-            m_size += std::size_t(count);
-        }
-        return true;
-    }
-
-    void reserve(std::size_t capacity)
-    {
-        if (capacity <= m_capacity)
-            return;
-        // No container: it would fill with zeros what is about to be read.
-        std::unique_ptr<char[]> larger(new char[capacity + JsonReader::Padding]);
-        if (m_size > 0)
-            std::memcpy(larger.get(), m_bytes.get(), m_size);
-        m_bytes = std::move(larger);
-        m_capacity = capacity;
-    }
-
-    /// The position behind the first line feed from `at` on; the end if there is none.
-    [[nodiscard]] std::size_t behindLineFeed(std::size_t at) const
-    {
-        const void* found =
-            at < m_size ? std::memchr(m_bytes.get() + at, '\n', m_size - at) : nullptr;
-        return found ? std::size_t(static_cast<const char*>(found) - m_bytes.get()) + 1 : m_size;
-    }
-
-    QFile m_file;
-    const qint64 m_segmentBytes;
-    bool m_isOpen = false;
-    std::unique_ptr<char[]> m_bytes;
-    std::size_t m_capacity = 0;
-    std::size_t m_size = 0;
-};
-
-/// Loads one file. Several threads take its segments one after the other, decode them side by
-/// side, and apply them in the order of the file.
+/// Loads one file. Several threads take batches of its lines in turn and decode them side by side;
+/// what they found is applied in the order of the file, by whoever brings the batch that is due.
 class Loader {
 public:
-    Loader(QString path, QString home, QDateTime now, qint64 segmentBytes, qint64 fileBytes)
-        : m_path(std::move(path))
-        , m_home(std::move(home))
+    Loader(const QString& path, QString home, QDateTime now, qint64 pieceBytes)
+        : m_home(std::move(home))
         , m_now(std::move(now))
-        , m_segmentBytes(segmentBytes)
-        , m_segments((fileBytes + segmentBytes - 1) / segmentBytes)
+        , m_batches(path, pieceBytes)
     {
     }
 
-    std::optional<ChatTranscript> load()
+    /// `threads` is at least 1, the caller's own.
+    std::optional<ChatTranscript> load(qint64 threads)
     {
-        const qint64 threads =
-            std::min<qint64>({m_segments, MostThreads, QThread::idealThreadCount()});
         std::vector<std::jthread> helpers;
         try {
             for (qint64 count = 1; count < threads; ++count)
@@ -129,38 +45,37 @@ public:
         }
         work();
         helpers.clear();
-        if (m_hasFailed)
+        if (m_batches.hasFailed())
             return std::nullopt;
         m_transcript.finishTurn();
         return std::move(m_transcript);
     }
 
 private:
+    using Events = std::vector<ChatEvent>;
+
     void work()
     {
-        SegmentReader file(m_path, m_segmentBytes);
+        ByteBuffer lines;
         JsonReader reader;
-        for (qint64 segment = m_next++; segment < m_segments; segment = m_next++) {
-            const auto lines = file.read(segment * m_segmentBytes);
-            const auto events = decode(lines.value_or(std::string_view()), reader);
-
-            std::unique_lock lock(m_mutex);
-            m_turn.wait(lock, [&] { return m_applied == segment; });
-            m_hasFailed |= !lines;
-            for (const ChatEvent& event : events)
-                m_transcript.apply(event);
-            ++m_applied;
-            m_turn.notify_all();
-        }
+        while (const auto number = take(lines))
+            apply(*number, decode(lines, reader));
     }
 
-    [[nodiscard]] std::vector<ChatEvent> decode(std::string_view lines, JsonReader& reader) const
+    /// The number of the batch whose lines are now in `lines`; absent at the end.
+    std::optional<qint64> take(ByteBuffer& lines)
     {
-        std::vector<ChatEvent> events;
-        while (!lines.empty()) {
-            const std::size_t end = std::min(lines.find('\n'), lines.size());
-            const std::string_view line = lines.substr(0, end);
-            lines.remove_prefix(std::min(end + 1, lines.size()));
+        const std::lock_guard lock(m_fileMutex);
+        return m_batches.next(lines) ? std::optional(m_taken++) : std::nullopt;
+    }
+
+    [[nodiscard]] Events decode(const ByteBuffer& batch, JsonReader& reader) const
+    {
+        Events events;
+        for (std::size_t at = 0; at < batch.size();) {
+            const std::string_view rest = batch.view().substr(at);
+            const std::string_view line = rest.substr(0, rest.find('\n'));
+            at += line.size() + 1;
             if (!mayHoldMessage(line))
                 continue;
             const auto object = reader.paddedObject(line);
@@ -173,17 +88,29 @@ private:
         return events;
     }
 
-    const QString m_path;
+    /// Never waits for another thread's batch: what comes early is kept for the one that is due.
+    void apply(qint64 number, Events events)
+    {
+        const std::lock_guard lock(m_transcriptMutex);
+        m_early.emplace(number, std::move(events));
+        for (auto due = m_early.find(m_applied); due != m_early.end();
+             due = m_early.find(++m_applied)) {
+            for (const ChatEvent& event : due->second)
+                m_transcript.apply(event);
+            m_early.erase(due);
+        }
+    }
+
     const QString m_home;
     const QDateTime m_now;
-    const qint64 m_segmentBytes;
-    const qint64 m_segments;
-    std::atomic<qint64> m_next = 0;
 
-    std::mutex m_mutex; ///< Guards what follows while threads run.
-    std::condition_variable m_turn;
-    qint64 m_applied = 0; ///< How many segments are in the transcript.
-    bool m_hasFailed = false;
+    std::mutex m_fileMutex; ///< Guards what is read.
+    LineBatches m_batches;
+    qint64 m_taken = 0;
+
+    std::mutex m_transcriptMutex; ///< Guards what is made of it.
+    std::map<qint64, Events> m_early;
+    qint64 m_applied = 0; ///< How many batches are in the transcript.
     ChatTranscript m_transcript;
 };
 
@@ -216,12 +143,14 @@ bool mayHoldMessage(std::string_view line)
 }
 
 std::optional<ChatTranscript> loadTranscript(const QString& path, const QString& home,
-                                             const QDateTime& now, qint64 segmentBytes)
+                                             const QDateTime& now, qint64 pieceBytes)
 {
     const QFileInfo file(path);
     if (!file.isFile() || !file.isReadable())
         return std::nullopt;
-    return Loader(path, home, now, segmentBytes, file.size()).load();
+    const qint64 threads = std::clamp<qint64>(file.size() / pieceBytes, 1,
+                                              std::min(MostThreads, QThread::idealThreadCount()));
+    return Loader(path, home, now, pieceBytes).load(threads);
 }
 
 } // namespace Bralto::ChatHistory

@@ -19,9 +19,9 @@ namespace Bralto::ChatHistory {
 [[nodiscard]] std::optional<QString> transcriptPath(const QString& projectsFolder,
                                                     const QString& sessionId);
 
-/// How much of a file is in memory at a time, for each of at most four threads; a line that is
-/// longer is in memory as a whole.
-inline constexpr qint64 SegmentBytes = 1024 * 1024;
+/// How much of a file is read at a time, for each of at most four threads. It stays in the
+/// processor's own memory until it is decoded; a line that is longer is in memory as a whole.
+inline constexpr qint64 PieceBytes = 256 * 1024;
 
 /// The conversation in the file at `path`, its turn finished. `home` is abbreviated in summaries;
 /// `now` dates a line that has no time of its own. Absent if there is no such file or it can't be
@@ -31,7 +31,7 @@ inline constexpr qint64 SegmentBytes = 1024 * 1024;
 [[nodiscard]] std::optional<ChatTranscript>
 loadTranscript(const QString& path, const QString& home,
                const QDateTime& now = QDateTime::currentDateTimeUtc(),
-               qint64 segmentBytes = SegmentBytes);
+               qint64 pieceBytes = PieceBytes);
 
 /// Whether a stored line can have anything to say: a search of its bytes that spares the parsing
 /// of all the agent's own records.

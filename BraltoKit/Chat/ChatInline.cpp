@@ -29,7 +29,7 @@ constexpr char Lead = '(';
 /// The names that turn up in replies; any other stays as it was written.
 QString decodeEntity(QByteArrayView entity)
 {
-    static const QHash<QByteArray, QString> Names{
+    static const QHash<QByteArray, QString> names{
         {"amp", "&"},      {"lt", "<"},           {"gt", ">"},       {"quot", "\""},
         {"apos", "'"},     {"nbsp", u"\u00A0"_s}, {"copy", u"©"_s},  {"reg", u"®"_s},
         {"trade", u"™"_s}, {"hellip", u"…"_s},    {"mdash", u"—"_s}, {"ndash", u"–"_s},
@@ -48,8 +48,8 @@ QString decodeEntity(QByteArrayView entity)
         const char32_t character = code;
         return QString::fromUcs4(&character, 1);
     }
-    const auto found = Names.constFind(name);
-    return found != Names.constEnd() ? *found : QString::fromUtf8(entity.data(), entity.size());
+    const auto found = names.constFind(name);
+    return found != names.constEnd() ? *found : QString::fromUtf8(entity.data(), entity.size());
 }
 
 /// Collects what the reader reports. The counters say how many spans of a kind are open.
@@ -188,12 +188,12 @@ QString plainText(const std::vector<InlineRun>& runs)
 
 std::optional<QString> fileURL(const QString& text, const QString& folder)
 {
-    static const QRegularExpression LineReference(QStringLiteral(":\\d+(:\\d+)?$"));
+    static const QRegularExpression lineReference(QStringLiteral(":\\d+(:\\d+)?$"));
     QString path = text.trimmed();
     if (path.isEmpty() || path.size() >= 300 || path.contains(u' ') ||
         (!path.contains(u'.') && !path.contains(u'/')))
         return std::nullopt;
-    path.remove(LineReference);
+    path.remove(lineReference);
     if (!path.startsWith(u'/'))
         path = folder + u'/' + path;
     const QFileInfo file(path);

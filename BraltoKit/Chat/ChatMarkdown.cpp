@@ -49,8 +49,9 @@ bool closesFence(QStringView line, const QString& marker)
 /// Walks the lines once; what a paragraph or a list has gathered waits until it ends.
 class BlockReader {
 public:
-    explicit BlockReader(const QString& text)
-        : m_lines(QStringView(text).split(u'\n'))
+    explicit BlockReader(QStringView text)
+        : m_text(text)
+        , m_lines(text.split(u'\n'))
     {
     }
 
@@ -62,6 +63,10 @@ public:
         return std::move(m_blocks);
     }
 
+    /// What was read up to the last blank line that has its line feed. No block goes on behind
+    /// one, but for code, and no rule looks back over one.
+    [[nodiscard]] const Settled& settled() const { return m_settled; }
+
 private:
     void readBlock()
     {
@@ -71,7 +76,8 @@ private:
             readCode(line, *marker);
         } else if (line.isEmpty()) {
             flush();
-            ++m_next;
+            if (++m_next < m_lines.size())
+                m_settled = {m_lines[m_next].data() - m_text.data(), m_blocks.size()};
         } else if (auto head = heading(line)) {
             add(std::move(*head));
         } else if (isRule(line)) {
@@ -164,11 +170,13 @@ private:
         flushList();
     }
 
+    QStringView m_text;
     QList<QStringView> m_lines;
     qsizetype m_next = 0;
     QStringList m_paragraph;
     std::vector<ListItem> m_items;
     std::vector<MarkdownBlock> m_blocks;
+    Settled m_settled;
 };
 
 } // namespace
@@ -176,6 +184,15 @@ private:
 std::vector<MarkdownBlock> blocks(const QString& text)
 {
     return BlockReader(text).read();
+}
+
+std::vector<MarkdownBlock> blocksBehind(Settled& settled, const QString& text)
+{
+    BlockReader reader(QStringView(text).mid(settled.length));
+    std::vector<MarkdownBlock> blocks = reader.read();
+    settled.length += reader.settled().length;
+    settled.blocks += reader.settled().blocks;
+    return blocks;
 }
 
 std::optional<QString> fenceMarker(QStringView line)

@@ -63,8 +63,18 @@ using MarkdownBlock =
 
 namespace MarkdownParser {
 
+/// The beginning of a text that whatever is added to the text leaves as it is.
+struct Settled {
+    qsizetype length = 0;   ///< In UTF-16 units.
+    std::size_t blocks = 0; ///< How many of the text's blocks stand in it.
+};
+
 /// The blocks of `text`, in order. A code fence that nothing closes runs to the end.
 [[nodiscard]] std::vector<MarkdownBlock> blocks(const QString& text);
+
+/// The blocks behind `settled`, which was told of `text` or of a beginning of it, or is empty. It
+/// becomes what is settled now.
+[[nodiscard]] std::vector<MarkdownBlock> blocksBehind(Settled& settled, const QString& text);
 
 /// The three or more backticks or tildes that `line`, trimmed of blanks, begins with.
 [[nodiscard]] std::optional<QString> fenceMarker(QStringView line);

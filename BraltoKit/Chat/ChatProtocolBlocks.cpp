@@ -35,7 +35,7 @@ std::optional<QString> shortenedPath(const JsonObject& input, std::string_view k
 
 std::optional<QString> grepSummary(const JsonObject& input, const QString& home)
 {
-    const auto pattern = trimmedString(input, "pattern");
+    auto pattern = trimmedString(input, "pattern");
     const auto path = shortenedPath(input, "path", home);
     if (!pattern || !path)
         return pattern;
@@ -111,7 +111,7 @@ std::optional<QString> anySummary(const JsonObject& input)
         keys.push_back(key);
     std::ranges::sort(keys);
     for (const std::string_view key : keys) {
-        const auto text = trimmedString(input, key);
+        auto text = trimmedString(input, key);
         if (text && hasFewerCharacters(*text, TooManyCharacters))
             return text;
     }

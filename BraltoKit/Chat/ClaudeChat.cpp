@@ -189,7 +189,7 @@ QString ClaudeChat::titleFrom(const QString& text)
     QStringList lines = linesOf(text);
     if (lines.size() >= 2 && lines.first().startsWith(QLatin1Char('@')))
         lines.removeFirst();
-    const QString title = lines.isEmpty() ? text : lines.first();
+    QString title = lines.isEmpty() ? text : lines.first();
     if (endOfCharacters(title, TitleLength) >= title.size())
         return title;
     return title.left(endOfCharacters(title, TitleLength - 1)).trimmed() + QChar(0x2026);

@@ -92,7 +92,9 @@ AgentLaunch ClaudeChat::agentLaunch() const
 
 bool ClaudeChat::launchIfNeeded(Turn turn)
 {
-    if (isRunning())
+    // A process that has died while its words are being heard is replaced when they have been: a
+    // new one makes the rest of them stale, the turn's result included.
+    if (isRunning() || (m_process && m_isInBatch))
         return true;
     if (m_process)
         letGoOfProcess(); // It has died, and the end of its output is still on the way.

@@ -14,7 +14,7 @@ bool isOneOf(const QString& name, std::initializer_list<QLatin1String> names)
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-constexpr QLatin1String Named(const char* name)
+constexpr QLatin1String named(const char* name)
 {
     return QLatin1String(name);
 }
@@ -53,18 +53,18 @@ ToolPresentation foreignTool(const ChatToolCall& call)
 ToolPresentation ToolPresentation::of(const ChatToolCall& call)
 {
     const QString& name = call.name;
-    if (isOneOf(name, {Named("Bash"), Named("BashOutput")}))
+    if (isOneOf(name, {named("Bash"), named("BashOutput")}))
         return {QStringLiteral("terminal"), QStringLiteral("Ran"), call.summary, true};
     if (name == QLatin1String("Read"))
         return {QStringLiteral("doc.text"), QStringLiteral("Read"), fileName(call), false};
-    if (isOneOf(name, {Named("Edit"), Named("MultiEdit")}))
+    if (isOneOf(name, {named("Edit"), named("MultiEdit")}))
         return {QStringLiteral("pencil"), QStringLiteral("Edited"), fileName(call), false};
     if (name == QLatin1String("Write"))
         return {QStringLiteral("square.and.pencil"), QStringLiteral("Wrote"), fileName(call),
                 false};
     if (name == QLatin1String("NotebookEdit"))
         return {QStringLiteral("book"), QStringLiteral("Edited"), fileName(call), false};
-    if (isOneOf(name, {Named("Grep"), Named("Glob")}))
+    if (isOneOf(name, {named("Grep"), named("Glob")}))
         return {QStringLiteral("magnifyingglass"), QStringLiteral("Searched for"), call.summary,
                 true};
     if (name == QLatin1String("WebFetch"))
@@ -72,7 +72,7 @@ ToolPresentation ToolPresentation::of(const ChatToolCall& call)
     if (name == QLatin1String("WebSearch"))
         return {QStringLiteral("globe"), QStringLiteral("Searched the web for"), call.summary,
                 false};
-    if (isOneOf(name, {Named("Task"), Named("Agent")}))
+    if (isOneOf(name, {named("Task"), named("Agent")}))
         return {QStringLiteral("person.2"), QStringLiteral("Asked an agent to"),
                 withFirst(call.summary, false), false};
     if (name == QLatin1String("TodoWrite"))

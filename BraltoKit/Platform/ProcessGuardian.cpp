@@ -208,6 +208,7 @@ void releaseHeap()
     const std::uintptr_t start = addressAt(line);
     const std::uintptr_t end = addressAt(line.substr(line.find('-') + 1));
     if (start < end)
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel tells the address as a number.
         madvise(reinterpret_cast<void*>(start), end - start, MADV_DONTNEED);
 }
 
@@ -329,8 +330,10 @@ private:
 
     const pid_t guardian = getpid();
     // The child shares this memory until it has become another program, which spares the copy.
+    // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork): the sharing is wanted.
     const pid_t child = vfork();
     if (child == 0)
+        // NOLINTNEXTLINE(clang-analyzer-unix.Vfork): it makes system calls only and never returns.
         becomeChild(plan, failure[1], guardian);
     int reason = child < 0 ? errno : 0;
     ::close(failure[1]);

@@ -63,7 +63,7 @@ void ProgramChatHost::ingestRateLimits(const QByteArray&, const QDateTime&) {}
 
 QString ProgramChatHost::shell() const
 {
-    const QString zsh = QStringLiteral("/bin/zsh");
+    QString zsh = QStringLiteral("/bin/zsh");
     if (isProgram(zsh))
         return zsh;
     const auto own = PaneEnvironment::value(m_surroundings.environment, QStringLiteral("SHELL"));

@@ -129,7 +129,7 @@ std::optional<QString> Workspace::selectedFolder() const
 
 QString Workspace::relativePath(const QString& path) const
 {
-    const QString standardised = Paths::standardised(path);
+    QString standardised = Paths::standardised(path);
     if (!m_root)
         return standardised;
     const QString& root = m_root->path();

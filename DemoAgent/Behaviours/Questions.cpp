@@ -31,7 +31,7 @@ QJsonArray questions()
 QString joined(const QJsonObject& answers)
 {
     QStringList pairs;
-    for (const QJsonValue& question : questions()) {
+    for (const QJsonValue question : questions()) {
         const QString text = question["question"].toString();
         if (answers.contains(text))
             pairs.append(u'"' + text + u"\"=\"" + answers.value(text).toString() + u'"');

@@ -42,13 +42,13 @@ QString orNothing(const QStringList& lines)
 
 QJsonArray todos(int done)
 {
-    static const std::array<const char*, 3> Contents{"Look around", "Change one line",
+    static const std::array<const char*, 3> contents{"Look around", "Change one line",
                                                      "Run the tests"};
     QJsonArray list;
-    for (int index = 0; index < static_cast<int>(Contents.size()); ++index) {
+    for (int index = 0; index < static_cast<int>(contents.size()); ++index) {
         const char* status = index < done ? "completed" : index == done ? "in_progress" : "pending";
-        list.append(QJsonObject{{"content", Contents.at(static_cast<size_t>(index))},
-                                {"activeForm", Contents.at(static_cast<size_t>(index))},
+        list.append(QJsonObject{{"content", contents.at(static_cast<size_t>(index))},
+                                {"activeForm", contents.at(static_cast<size_t>(index))},
                                 {"status", status}});
     }
     return list;
@@ -57,10 +57,10 @@ QJsonArray todos(int done)
 // A PNG of one colour, 8 by 8 pixels.
 const QByteArray& smallPng()
 {
-    static const QByteArray Png = QByteArray::fromBase64(
+    static const QByteArray png = QByteArray::fromBase64(
         "iVBORw0KGgoAAAANSUhEUgAAAAgAAAAICAIAAABLbSncAAAAEUlEQVR42mO4WR6OFTEMLQkAcq9pwfhQlf4A"
         "AAAASUVORK5CYII=");
-    return Png;
+    return png;
 }
 
 } // namespace

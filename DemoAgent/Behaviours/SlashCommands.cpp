@@ -47,14 +47,16 @@ Task<> slashCommand(Turn& turn, QString name)
 
 Task<> tellLimits(Turn& turn, QString)
 {
+    constexpr qint64 ThreeHours = 10800;
+    constexpr qint64 FourDays = 345600;
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     const QJsonObject hours{
-        {"utilization", 0.37}, {"resetsAt", now + 3 * 3600}, {"status", "allowed"}};
+        {"utilization", 0.37}, {"resetsAt", now + ThreeHours}, {"status", "allowed"}};
     const QJsonObject days{
-        {"utilization", 0.12}, {"resetsAt", now + 4 * 86400}, {"status", "allowed"}};
+        {"utilization", 0.12}, {"resetsAt", now + FourDays}, {"status", "allowed"}};
     const QJsonObject info{
         {"status", "allowed"},
-        {"resetsAt", now + 3 * 3600},
+        {"resetsAt", now + ThreeHours},
         {"rateLimitType", "five_hour"},
         {"isUsingOverage", false},
         {"unifiedWindows", QJsonObject{{"five_hour", hours}, {"seven_day", days}}},

@@ -178,7 +178,7 @@ Task<> record(ScriptContext& context, const ScriptStep& step)
 
 const ScriptVerbs& faultVerbs()
 {
-    static const ScriptVerbs Verbs{
+    static const ScriptVerbs verbs{
         {"raw", raw},
         {"base64", base64},
         {"big-line", bigLine},
@@ -194,7 +194,7 @@ const ScriptVerbs& faultVerbs()
         {"spawn", spawn},
         {"record", record},
     };
-    return Verbs;
+    return verbs;
 }
 
 } // namespace DemoAgent

@@ -8,13 +8,13 @@ namespace {
 
 const ScriptVerbs& allVerbs()
 {
-    static const ScriptVerbs Verbs = [] {
+    static const ScriptVerbs verbs = [] {
         ScriptVerbs all = waitingVerbs();
         all.insert(speakingVerbs());
         all.insert(faultVerbs());
         return all;
     }();
-    return Verbs;
+    return verbs;
 }
 
 } // namespace

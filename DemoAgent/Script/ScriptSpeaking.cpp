@@ -179,7 +179,7 @@ Task<> apiError(ScriptContext& context, const ScriptStep& step)
 
 const ScriptVerbs& speakingVerbs()
 {
-    static const ScriptVerbs Verbs{
+    static const ScriptVerbs verbs{
         {"line", line},
         {"init", init},
         {"bare", bare},
@@ -202,7 +202,7 @@ const ScriptVerbs& speakingVerbs()
         {"error", error},
         {"api-error", apiError},
     };
-    return Verbs;
+    return verbs;
 }
 
 } // namespace DemoAgent

@@ -99,10 +99,10 @@ std::variant<std::vector<ScriptStep>, ScriptError> parse(const QString& text,
 
 QString filled(const QString& words, const QHash<QString, QString>& values)
 {
-    static const QRegularExpression Variable("\\$\\{([^}]*)\\}");
+    static const QRegularExpression variable("\\$\\{([^}]*)\\}");
     QString result;
     qsizetype from = 0;
-    for (auto match = Variable.globalMatch(words); match.hasNext();) {
+    for (auto match = variable.globalMatch(words); match.hasNext();) {
         const QRegularExpressionMatch found = match.next();
         result += words.mid(from, found.capturedStart() - from);
         result += values.value(found.captured(1), found.captured());

@@ -112,13 +112,13 @@ Task<> runTurn(ScriptContext& context, const ScriptStep&)
 
 const ScriptVerbs& waitingVerbs()
 {
-    static const ScriptVerbs Verbs{
+    static const ScriptVerbs verbs{
         {"await", await},     {"sleep", sleep},
         {"silence", silence}, {"mute", mute},
         {"reply", reply},     {"reply-error", replyError},
         {"turn", runTurn},    {"replay", replayRecording},
     };
-    return Verbs;
+    return verbs;
 }
 
 } // namespace DemoAgent

@@ -36,7 +36,7 @@ class ChatHistoryTest : public testing::Test {
 protected:
     QString write(const char* name, const QByteArray& bytes)
     {
-        const QString path = m_folder.filePath(q(name));
+        QString path = m_folder.filePath(q(name));
         QDir().mkpath(QFileInfo(path).path());
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -45,16 +45,16 @@ protected:
     }
 
     std::optional<ChatTranscript> load(const QByteArray& bytes,
-                                       qint64 segmentBytes = ChatHistory::SegmentBytes)
+                                       qint64 pieceBytes = ChatHistory::PieceBytes)
     {
         return ChatHistory::loadTranscript(write("a.jsonl", bytes), ChatLines::Home, ChatLines::Now,
-                                           segmentBytes);
+                                           pieceBytes);
     }
 
-    QStringList ids(const QByteArray& bytes, qint64 segmentBytes = ChatHistory::SegmentBytes)
+    QStringList ids(const QByteArray& bytes, qint64 pieceBytes = ChatHistory::PieceBytes)
     {
         QStringList result;
-        const auto transcript = load(bytes, segmentBytes);
+        const auto transcript = load(bytes, pieceBytes);
         EXPECT_TRUE(transcript);
         if (transcript) {
             for (const ChatMessage& message : transcript->messages)
@@ -171,7 +171,7 @@ TEST_F(ChatHistoryTest, AReplayHasNoCostAndNoSession)
     EXPECT_EQ(transcript->runCost, 0);
 }
 
-TEST_F(ChatHistoryTest, EverySegmentSizeGivesTheSameConversation)
+TEST_F(ChatHistoryTest, EveryPieceSizeGivesTheSameConversation)
 {
     QByteArray bytes = "\n" + userLine("u0", "first") + "\n\n";
     for (int line = 1; line < 40; ++line)
@@ -187,7 +187,7 @@ TEST_F(ChatHistoryTest, EverySegmentSizeGivesTheSameConversation)
     }
 }
 
-TEST_F(ChatHistoryTest, ALineMayBeLongerThanManySegments)
+TEST_F(ChatHistoryTest, ALineMayBeLongerThanManyPieces)
 {
     const QByteArray bytes = userLine("u1", "a") + userLine("u2", QByteArray(100'000, 'x')) +
                              userLine("u3", QByteArray(200'000, 'y'));

@@ -4,6 +4,9 @@
 
 #include <QRandomGenerator>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Bralto;
 using namespace Bralto::MarkdownBlocks;
 
@@ -195,4 +198,39 @@ TEST(ChatMarkdown, RandomLinesNeverLoseAWord)
         const auto blocks = MarkdownParser::blocks(text + "\n\nlast");
         EXPECT_FALSE(blocks.empty()) << text.toStdString();
     }
+}
+
+TEST(ChatMarkdown, AGrowingTextReadsAsTheWholeDoes)
+{
+    QRandomGenerator random(11);
+    const QStringList pieces{"word",  "# h", " ",    "\n",    "\n\n",  "\r\n", "```\n", "a|b\n",
+                             "-|-\n", "> q", "1. i", "- x\n", "---\n", "\t",   "~~~"};
+    for (int round = 0; round < 300; ++round) {
+        QString text;
+        MarkdownParser::Settled settled;
+        std::vector<MarkdownBlock> blocks;
+        for (int i = 0; i < 40; ++i) {
+            text += pieces[random.bounded(int(pieces.size()))];
+            blocks.resize(settled.blocks);
+            std::ranges::move(MarkdownParser::blocksBehind(settled, text),
+                              std::back_inserter(blocks));
+            ASSERT_EQ(blocks, MarkdownParser::blocks(text)) << text.toStdString();
+            ASSERT_LE(settled.blocks, blocks.size());
+        }
+    }
+}
+
+TEST(ChatMarkdown, OnlyWhatABlankLineEndedIsSettled)
+{
+    const auto settledOf = [](const QString& text) {
+        MarkdownParser::Settled settled;
+        std::ignore = MarkdownParser::blocksBehind(settled, text);
+        return settled.length;
+    };
+
+    EXPECT_EQ(settledOf("one\ntwo"), 0);
+    EXPECT_EQ(settledOf("one\n\ntwo"), 5);
+    EXPECT_EQ(settledOf("one\n "), 0);
+    EXPECT_EQ(settledOf("```\none\n\ntwo"), 0);
+    EXPECT_EQ(settledOf("one\n\n```\ntwo\n\nthree"), 5);
 }

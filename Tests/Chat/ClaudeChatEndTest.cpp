@@ -71,6 +71,21 @@ TEST_F(ClaudeChatEnd, OutputThatIsOnItsWayWhenTheProcessStopsIsIgnored)
     EXPECT_EQ(chat().state().kind, Kind::Idle);
 }
 
+TEST_F(ClaudeChatEnd, TheResultOfAProcessThatHasDiedCountsThoughASettingIsAskedForBefore)
+{
+    open().send("Hello");
+    const QByteArray lines = AgentLine::reply(agent().written(0)["request_id"].toString(),
+                                              {{"commands", QJsonArray{}}}) +
+                             '\n' + AgentLine::init() + '\n' + AgentLine::result() + '\n';
+    agent().pipes.output(std::string_view(lines.constData(), std::size_t(lines.size())));
+
+    agent().exit(0);
+
+    EXPECT_EQ(chat().state().kind, Kind::Idle);
+    EXPECT_EQ(m_launcher.agents.size(), 1U);
+    EXPECT_FALSE(chat().isRunning());
+}
+
 TEST_F(ClaudeChatEnd, WhatFollowsInABatchIsStaleOnceSomebodyStops)
 {
     working();

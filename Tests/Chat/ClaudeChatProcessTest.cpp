@@ -536,6 +536,19 @@ TEST_F(ClaudeChatProcess, KillsAnAgentThatDoesNotLetGo)
     EXPECT_TRUE(waitFor([this] { return leftOvers().isEmpty(); }));
 }
 
+TEST_F(ClaudeChatProcess, TheAgentsChildrenGoWithIt)
+{
+    for (const char* script : {"orphan", "orphan-session"}) {
+        SCOPED_TRACE(script);
+        sent(script);
+        ASSERT_TRUE(waitForEnd());
+
+        EXPECT_TRUE(waitFor([this] { return !chat().isRunning(); }));
+        EXPECT_EQ(chat().state().kind, Kind::Idle);
+        EXPECT_TRUE(waitFor([this] { return leftOvers().isEmpty(); }));
+    }
+}
+
 TEST_F(ClaudeChatProcess, TwoHundredLaunchesLeaveNothing)
 {
     open(Agent).launchIfNeeded(ClaudeChat::Turn::No);

@@ -164,6 +164,19 @@ TEST_F(DemoProcess, InterruptSignalEndsItWith0)
     EXPECT_EQ(agent.wait(), 0);
 }
 
+TEST_F(DemoProcess, ARunningCommandEndsWithIt)
+{
+    const PidPipe pipe(agent);
+    agent.start({"--dangerously-skip-permissions"});
+    agent.sendTurn("run echo $$ > pid; exec sleep 600");
+    const pid_t child = pipe.read();
+
+    signal(SIGTERM);
+
+    EXPECT_EQ(agent.wait(), 143);
+    EXPECT_TRUE(waitForEnd(child));
+}
+
 TEST_F(DemoProcess, AReaderThatHasGoneEndsIt)
 {
     agent.startProgram("/bin/sh", {"-c", "('" + Program +

@@ -50,7 +50,7 @@ public:
 
     void start(const QStringList& more = {})
     {
-        static const QStringList Usual{"-p",
+        static const QStringList usual{"-p",
                                        "--input-format",
                                        "stream-json",
                                        "--output-format",
@@ -59,7 +59,7 @@ public:
                                        "--include-partial-messages",
                                        "--permission-prompt-tool",
                                        "stdio"};
-        startWith(Usual + more);
+        startWith(usual + more);
     }
 
     void startWith(const QStringList& arguments) { startProgram(Program, arguments); }

@@ -47,7 +47,7 @@ struct FakeAgent {
     [[nodiscard]] QJsonValue lastWritten(const QString& type, const QString& subtype = {}) const
     {
         for (qsizetype index = lines.size() - 1; index >= 0; --index) {
-            const QJsonValue line = written(index);
+            QJsonValue line = written(index);
             if (line["type"] == type &&
                 (subtype.isEmpty() || line["request"]["subtype"] == subtype))
                 return line;

@@ -24,6 +24,7 @@ struct ConsoleTest : testing::Test {
         view->resize(900, 600);
         view->show();
         view->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
         ViewHarness::settle();
     }
 
@@ -80,6 +81,20 @@ TEST_F(ConsoleTest, PanesStandSideBySide)
     EXPECT_EQ(paneView(1)->x() - paneView(0)->geometry().right() - 1, Measure::PaneGap);
     EXPECT_NEAR(paneView(0)->width(), paneView(1)->width(), 1);
     EXPECT_EQ(paneView(1)->geometry().right() + 1, view->width() - Measure::TrayPadding);
+}
+
+TEST_F(ConsoleTest, ThePaneThatGetsTheKeyboardIsTheFocusedOne)
+{
+    panel().addPane(PaneKind::Chat);
+    ViewHarness::settle();
+    const QString first = panel().activeGroup()->panes()[0]->id();
+    ASSERT_NE(panel().activeGroup()->focusedPaneId(), first);
+    paneView(1)->content()->setFocus();
+
+    paneView(0)->content()->setFocus();
+
+    EXPECT_EQ(panel().activeGroup()->focusedPaneId(), first);
+    EXPECT_EQ(WindowFocus::areaOf(paneView(0)->content()), FocusArea::Terminal);
 }
 
 TEST_F(ConsoleTest, ARequestedPaneGetsTheKeyboard)

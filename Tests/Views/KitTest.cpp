@@ -110,6 +110,25 @@ TEST_F(KitTest, AControlSaysWhatItIsAndItsShortcut)
     EXPECT_EQ(button.toolTip(), "Hide Sidebar (Ctrl+S)");
 }
 
+TEST_F(KitTest, AClickDoesNotTakeTheKeyboard)
+{
+    QWidget window;
+    QVBoxLayout column(&window);
+    auto* edit = new QWidget;
+    edit->setFocusPolicy(Qt::StrongFocus);
+    auto* button = new TextButton(theme, TextButton::Kind::Plain, "Open");
+    column.addWidget(edit);
+    column.addWidget(button);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    edit->setFocus();
+
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    EXPECT_TRUE(edit->hasFocus());
+}
+
 TEST_F(KitTest, ATipIsCutIntoWordsAndShortcut)
 {
     EXPECT_EQ(ToolTip::parts("Split View (Ctrl+Alt+\\)"),

@@ -46,6 +46,13 @@ std::string hexOf(const QColor& color)
     return color.name().toUpper().toStdString();
 }
 
+/// The largest difference of a channel.
+int distance(const QColor& one, const QColor& two)
+{
+    return std::max({std::abs(one.red() - two.red()), std::abs(one.green() - two.green()),
+                     std::abs(one.blue() - two.blue())});
+}
+
 int percent(const QColor& ink)
 {
     return qRound(double(ink.alphaF()) * 100);
@@ -139,17 +146,26 @@ TEST(Tokens, DerivedColoursAreThoseOfTheDesign)
         std::array<const char*, 3> frame;
         int ink2;
         int marks;
+        const char* accentInk;
         const char* onAccent;
+        const char* waiting;
     };
     using enum SpaceColor;
     const Row rows[] = {
-        {Harbour, true, {"#18526A", "#16485D", "#144355"}, 74, 60, "#FFFFFF"},
-        {Pebble, true, {"#686663", "#5C5957", "#545250"}, 94, 64, "#1D1D1D"},
-        {Lemon, true, {"#836E2A", "#766326", "#6E5D23"}, 100, 72, "#1D1D1D"},
-        {Slate, true, {"#424659", "#383C4C", "#333644"}, 74, 60, "#FFFFFF"},
-        {Harbour, false, {"#99C6D8", "#95C1D3", "#8EB8C8"}, 76, 60, "#FFFFFF"},
-        {Coral, false, {"#F0B6B3", "#EBB2AF", "#E1AAA8"}, 74, 60, "#1D1D1D"},
-        {Slate, false, {"#B8BBC9", "#B3B6C4", "#AAADBA"}, 78, 60, "#FFFFFF"},
+        {Harbour, true, {"#18526A", "#16485D", "#144355"}, 74, 60, "#4396B5", "#FFFFFF", "#F3C977"},
+        {Pebble, true, {"#686663", "#5C5957", "#545250"}, 94, 64, "#A39E96", "#1D1D1D", "#FDF4E4"},
+        {Lemon, true, {"#836E2A", "#766326", "#6E5D23"}, 100, 72, "#D9B232", "#1D1D1D", "#FFFFFF"},
+        {Slate, true, {"#424659", "#383C4C", "#333644"}, 74, 60, "#868BA1", "#FFFFFF", "#F2C46B"},
+        {Harbour,
+         false,
+         {"#99C6D8", "#95C1D3", "#8EB8C8"},
+         76,
+         60,
+         "#13779C",
+         "#FFFFFF",
+         "#553700"},
+        {Coral, false, {"#F0B6B3", "#EBB2AF", "#E1AAA8"}, 74, 60, "#BC4A42", "#1D1D1D", "#5D3B00"},
+        {Slate, false, {"#B8BBC9", "#B3B6C4", "#AAADBA"}, 78, 60, "#5B6280", "#FFFFFF", "#533500"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << int(row.color) << (row.dark ? " dark" : " light"));
@@ -160,7 +176,10 @@ TEST(Tokens, DerivedColoursAreThoseOfTheDesign)
             EXPECT_EQ(hexOf(tokens.frame.stops[stop]), row.frame[stop]);
         EXPECT_NEAR(percent(tokens.frame.ink2), row.ink2, 1);
         EXPECT_NEAR(percent(tokens.frame.marks), row.marks, 1);
+        EXPECT_EQ(hexOf(tokens.accentInk), row.accentInk);
         EXPECT_EQ(hexOf(tokens.onAccent), row.onAccent);
+        // Within a step of the mixture: the design rounds the hovered ground first.
+        EXPECT_LE(distance(tokens.frame.waitingText, QColor(row.waiting)), 4);
     }
 }
 

@@ -37,6 +37,8 @@ struct WindowTest : testing::Test {
         window->resize(1180, 780);
         window->show();
         window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        window->activateWindow();
         ViewHarness::settle();
     }
     void showProject() { show(views.openProject()); }
@@ -132,6 +134,10 @@ TEST_F(WindowTest, TheBarSwitchesTheConsole)
 
     EXPECT_TRUE(panel().isVisible());
     EXPECT_TRUE(detail().console().isVisible());
+    const auto buttons = window->bar().findChildren<IconButton*>();
+    EXPECT_TRUE(std::ranges::any_of(buttons, [](const IconButton* each) {
+        return each->accessibleName() == "Hide Terminal" && each->isChecked();
+    }));
 }
 
 TEST_F(WindowTest, SplittingNeedsASecondTab)
@@ -216,7 +222,7 @@ TEST_F(WindowTest, TheEditorsShareIsThePanels)
     const int shared = detail().height() - Measure::FrameInset;
     EXPECT_NEAR(detail().panes().height(), shared * 0.25, 1);
     EXPECT_EQ(detail().console().y(), detail().panes().height() + Measure::FrameInset);
-    EXPECT_NEAR(detail().console().geometry().bottom(), detail().rect().bottom(), 1);
+    EXPECT_EQ(detail().console().geometry().bottom(), detail().rect().bottom());
 }
 
 TEST_F(WindowTest, DraggingTheSidebarsSeamIsKeptOnceItIsOver)

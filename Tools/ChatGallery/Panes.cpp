@@ -84,7 +84,7 @@ void Pane::begin()
 
 const std::vector<PaneSample>& paneSamples()
 {
-    static const std::vector<PaneSample> Samples{
+    static const std::vector<PaneSample> samples{
         {"pane-permission", {860, 560}, [](Pane& pane) { pane.say(Permission); }},
         {"pane-question", {440, 500}, [](Pane& pane) { pane.say(Questions); }},
         {"pane-question-many",
@@ -137,7 +137,7 @@ const std::vector<PaneSample>& paneSamples()
          }},
         {"pane-narrow", {260, 360}, [](Pane& pane) { pane.say(Permission); }},
     };
-    return Samples;
+    return samples;
 }
 
 } // namespace Bralto

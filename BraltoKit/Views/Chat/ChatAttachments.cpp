@@ -1,15 +1,13 @@
 #include "Views/Chat/ChatAttachments.h"
 
+#include "Base/Background.h"
 #include "Base/Paths.h"
 #include "Editor/FileKind.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
-#include <QFuture>
 #include <QImageReader>
 #include <QMimeData>
-#include <QPromise>
-#include <QThreadPool>
 #include <QUrl>
 #include <QUuid>
 
@@ -75,13 +73,8 @@ ChatAttachment attachment(const QString& path)
 
 void load(Source source, QObject* context, std::function<void(QList<ChatAttachment>)> done)
 {
-    const auto promise = std::make_shared<QPromise<QList<ChatAttachment>>>();
-    promise->start();
-    promise->future().then(context, std::move(done));
-    QThreadPool::globalInstance()->start([promise, source = std::move(source)] {
-        promise->addResult(attachments(source));
-        promise->finish();
-    });
+    inBackground(
+        context, [source = std::move(source)] { return attachments(source); }, std::move(done));
 }
 
 QString name(const ChatAttachment& attachment)

@@ -1,14 +1,12 @@
 #include "Views/Chat/ChatImageStore.h"
 
+#include "Base/Background.h"
 #include "Views/Chat/ImageScene.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
-#include <QFuture>
 #include <QImageReader>
-#include <QPromise>
-#include <QThreadPool>
 
 namespace Bralto {
 
@@ -67,17 +65,6 @@ ChatPicture decode(const ChatImage& image, const QSizeF& bounds)
     return picture;
 }
 
-QFuture<ChatPicture> decodeLater(const ChatImage& image, const QSizeF& bounds)
-{
-    const auto promise = std::make_shared<QPromise<ChatPicture>>();
-    promise->start();
-    QThreadPool::globalInstance()->start([promise, image, bounds] {
-        promise->addResult(decode(image, bounds));
-        promise->finish();
-    });
-    return promise->future();
-}
-
 } // namespace
 
 ChatImageStore::ChatImageStore(QObject* parent)
@@ -101,12 +88,14 @@ void ChatImageStore::load(const QString& key, const ChatImage& image)
     m_sources.insert(key, image);
     const QSizeF bounds(ImageScene::WidestThumbnail * LargestScale,
                         ImageScene::HighestThumbnail * LargestScale);
-    decodeLater(image, bounds).then(this, [this, key](const ChatPicture& picture) {
-        m_loading.remove(key);
-        const auto cost = 1 + int(picture.image.sizeInBytes() / 1024);
-        m_pictures.insert(key, new ChatPicture(picture), std::min(cost, CacheKiB / 2));
-        emit ready(key);
-    });
+    inBackground(
+        this, [image, bounds] { return decode(image, bounds); },
+        [this, key](const ChatPicture& picture) {
+            m_loading.remove(key);
+            const auto cost = 1 + int(picture.image.sizeInBytes() / 1024);
+            m_pictures.insert(key, new ChatPicture(picture), std::min(cost, CacheKiB / 2));
+            emit ready(key);
+        });
 }
 
 void ChatImageStore::loadWhole(const QString& key, QObject* context,
@@ -115,9 +104,9 @@ void ChatImageStore::loadWhole(const QString& key, QObject* context,
     const auto source = m_sources.constFind(key);
     if (source == m_sources.constEnd())
         return;
-    decodeLater(*source, {}).then(context, [done = std::move(done)](const ChatPicture& picture) {
-        done(picture.image);
-    });
+    inBackground(
+        context, [image = *source] { return decode(image, {}); },
+        [done = std::move(done)](const ChatPicture& picture) { done(picture.image); });
 }
 
 } // namespace Bralto

@@ -5,6 +5,7 @@
 #include "Views/Chat/RowScene.h"
 #include "Views/Chat/ToolScene.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Bralto {
@@ -28,6 +29,14 @@ double margin(const ChatRow& row, bool isCard)
     default:
         return isCard ? 3 : 0;
     }
+}
+
+/// Whether what is settled in an old layout of a reply holds for the new text too.
+bool canKeep(const ChatRowLayout& old, const QString& text)
+{
+    return text.startsWith(QStringView(old.text).left(old.settled.length)) &&
+           std::all_of(old.parts.begin(), old.parts.begin() + std::ptrdiff_t(old.settled.blocks),
+                       [](const ChatRowLayout::Part& part) { return part.block.has_value(); });
 }
 
 /// Whether a part looks the same whatever the view's state: no buttons, no file that may appear.
@@ -114,40 +123,50 @@ ChatRowLayout ChatRowBuilder::build(const ChatRow& row) const
     return layout;
 }
 
+/// A reply grows by a word at a time and can be a book, so only what may have changed since the
+/// old layout is read again, and only what did change is laid out.
 ChatRowLayout ChatRowBuilder::buildReply(const ChatRow& row) const
 {
     const auto& text = std::get<ChatTextBlock>(row.blocks.front());
-    const std::vector<MarkdownBlock> blocks = MarkdownParser::blocks(text.text);
     ChatCanvas canvas(m_style);
     const double room = std::round(canvas.u(RowGap + margin(row, false)));
+    static const std::vector<ChatRowLayout::Part> none;
+    const std::vector<ChatRowLayout::Part>& old = row.layout ? row.layout->parts : none;
 
     ChatRowLayout layout;
-    double top = room;
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-        if (i > 0)
-            top += canvas.u(MarkdownScene::gap(blocks[i - 1], blocks[i]));
-        top = std::round(top);
-        std::shared_ptr<const ChatScene> scene;
-        if (row.layout && i < row.layout->parts.size()) {
-            const ChatRowLayout::Part& old = row.layout->parts[i];
-            if (old.isPlain && old.block == blocks[i])
-                scene = old.scene;
+    if (row.layout && canKeep(*row.layout, text.text)) {
+        layout.settled = row.layout->settled;
+        layout.parts.assign(old.begin(), old.begin() + std::ptrdiff_t(layout.settled.blocks));
+    }
+    std::vector<MarkdownBlock> blocks = MarkdownParser::blocksBehind(layout.settled, text.text);
+    layout.text = text.text;
+    for (MarkdownBlock& block : blocks) {
+        const std::size_t index = layout.parts.size();
+        double top = room;
+        if (index > 0) {
+            const ChatRowLayout::Part& above = layout.parts.back();
+            top = std::round(above.top + above.scene->height +
+                             canvas.u(MarkdownScene::gap(*above.block, block)));
         }
-        if (!scene) {
+        std::shared_ptr<const ChatScene> scene;
+        if (index < old.size() && old[index].block == block) {
+            scene = old[index].scene;
+        } else {
             const double height =
-                MarkdownScene::draw(canvas, blocks[i], {}, m_width,
-                                    text.id + u'/' + QString::number(i), m_style.tokens.label);
+                MarkdownScene::draw(canvas, block, {}, m_width,
+                                    text.id + u'/' + QString::number(index), m_style.tokens.label);
             scene = std::make_shared<const ChatScene>(canvas.take(height));
         }
-        const double height = scene->height;
-        layout.parts.push_back({top, std::move(scene), blocks[i], isPlain(blocks[i])});
-        top += height;
+        const bool plain = isPlain(block);
+        layout.parts.push_back({top, std::move(scene), std::move(block), plain});
     }
+    const double bottom =
+        layout.parts.empty() ? room : layout.parts.back().top + layout.parts.back().scene->height;
     if (row.isStreaming && !layout.parts.empty()) {
         const ChatRowLayout::Part& last = layout.parts.back();
         layout.caret = last.scene->caretAfterLastText(m_style.zoom).translated(0, last.top);
     }
-    layout.height = std::ceil(top + room);
+    layout.height = std::ceil(bottom + room);
     return layout;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Bralto {
@@ -49,6 +50,35 @@ ChatRow::Kind kindOf(const ChatMessage& message, const ChatRowItem& item)
 }
 
 } // namespace
+
+std::optional<ChatStretch> differenceOf(const ChatRowLayout& before, const ChatRowLayout& after)
+{
+    const auto isSame = [](const ChatRowLayout::Part& left, const ChatRowLayout::Part& right) {
+        return left.scene == right.scene && left.top == right.top;
+    };
+    const auto [old, now] = std::ranges::mismatch(before.parts, after.parts, isSame);
+    std::optional<ChatStretch> stretch;
+    const auto add = [&stretch](double top, double bottom) {
+        stretch = stretch
+                      ? ChatStretch{std::min(stretch->top, top), std::max(stretch->bottom, bottom)}
+                      : ChatStretch{top, bottom};
+    };
+    const auto addParts = [&add](auto part, auto end) {
+        for (; part != end; ++part)
+            add(part->top, part->top + part->scene->height);
+    };
+    addParts(old, before.parts.end());
+    addParts(now, after.parts.end());
+    if (before.height != after.height)
+        add(std::min(before.height, after.height), std::max(before.height, after.height));
+    if (before.caret != after.caret) {
+        for (const QRectF& caret : {before.caret, after.caret}) {
+            if (!caret.isEmpty())
+                add(caret.top(), caret.bottom());
+        }
+    }
+    return stretch;
+}
 
 double ChatRows::height() const
 {
@@ -198,6 +228,7 @@ void ChatRows::syncMessage(const ChatTranscript& transcript, std::size_t message
             row.height = estimate(row, width);
             continue;
         }
+        row.top = same->top;
         row.height = same->height;
         row.layout = std::move(same->layout);
         row.isMeasured =
@@ -228,10 +259,16 @@ void ChatRows::replace(std::size_t first, std::size_t last, std::vector<ChatRow>
 
 void ChatRows::invalidate(std::size_t index)
 {
-    m_rows[index].isMeasured = false;
-    // Parts that depend on the view's state can't be kept; a reply looks for itself what it can.
-    if (m_rows[index].kind != ChatRow::Kind::Reply)
-        m_rows[index].layout.reset();
+    ChatRow& row = m_rows[index];
+    row.isMeasured = false;
+    if (!row.layout)
+        return;
+    // The old layout still tells what has to be painted. What depends on the view's state is made
+    // anew.
+    for (ChatRowLayout::Part& part : row.layout->parts) {
+        if (!part.isPlain)
+            part.block.reset();
+    }
 }
 
 void ChatRows::invalidateAll()
@@ -260,16 +297,20 @@ void ChatRows::setLayout(std::size_t index, ChatRowLayout layout)
     row.layout = std::move(layout);
 }
 
-void ChatRows::settle()
+std::optional<double> ChatRows::settle()
 {
+    std::optional<double> moved;
     double top = m_unsettled == 0 || m_rows.empty()
                      ? 0
                      : m_rows[m_unsettled - 1].top + m_rows[m_unsettled - 1].height;
     for (std::size_t i = m_unsettled; i < m_rows.size(); ++i) {
+        if (!moved && m_rows[i].top != top)
+            moved = top;
         m_rows[i].top = top;
         top += m_rows[i].height;
     }
     m_unsettled = m_rows.size();
+    return moved;
 }
 
 std::size_t ChatRows::rowAt(double y) const

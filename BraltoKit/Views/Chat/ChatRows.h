@@ -18,8 +18,9 @@ struct ChatRowLayout {
     struct Part {
         double top = 0;
         std::shared_ptr<const ChatScene> scene;
-        std::optional<MarkdownBlock> block; ///< What it was made of, of a reply only.
-        bool isPlain = true;                ///< Nothing in it depends on more than its block.
+        /// What it was made of, of a reply only; absent too if it has to be made anew.
+        std::optional<MarkdownBlock> block;
+        bool isPlain = true; ///< Nothing in it depends on more than its block.
     };
 
     std::vector<Part> parts;
@@ -27,7 +28,20 @@ struct ChatRowLayout {
     QRectF caret;      ///< Of a streaming reply; empty without one.
     bool hasSpinner = false;
     bool waitsForImages = false;
+    MarkdownParser::Settled settled; ///< Of a reply's text: what needs no second reading.
+    QString text;                    ///< What this was told of.
 };
+
+/// A stretch of a row, or of the content: from `top` to above `bottom`.
+struct ChatStretch {
+    double top = 0;
+    double bottom = 0;
+};
+
+/// Where two layouts of a row look different, in the row's coordinates; absent if they look the
+/// same.
+[[nodiscard]] std::optional<ChatStretch> differenceOf(const ChatRowLayout& before,
+                                                      const ChatRowLayout& after);
 
 struct ChatRow {
     enum class Kind { Banner, Turn, Notice, Reply, Thinking, Image, Call, Group, Working };
@@ -68,8 +82,9 @@ public:
     /// Drops the layouts of rows outside [first, last), which keep their heights.
     void keepLayouts(std::size_t first, std::size_t last);
     void setLayout(std::size_t index, ChatRowLayout layout);
-    /// Recomputes the tops behind changed heights.
-    void settle();
+    /// Recomputes the tops behind changed heights. The top of the first row that moved; absent if
+    /// none did.
+    std::optional<double> settle();
     /// The row at a vertical place; the last one below the end. Only if there are rows.
     [[nodiscard]] std::size_t rowAt(double y) const;
 

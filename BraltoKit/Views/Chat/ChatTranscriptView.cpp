@@ -24,6 +24,10 @@ constexpr double ColumnSide = 16;
 /// Rows stay laid out this many viewports beyond the edges.
 constexpr double KeptScreens = 1;
 
+/// Letters and rings may reach so far out of what they belong to.
+constexpr int Overhang = 4;
+constexpr double WholeContent = 1e9;
+
 } // namespace
 
 ChatTranscriptView::ChatTranscriptView(Theme& theme, const Clock& clock, QWidget* parent)
@@ -76,6 +80,13 @@ double ChatTranscriptView::columnLeft() const
     return std::floor((viewport()->width() - columnWidth()) / 2);
 }
 
+/// Where rows paint. Nothing lies over it, so that its picture can be moved.
+QRect ChatTranscriptView::paintedColumn() const
+{
+    return {int(columnLeft()) - Overhang, 0, int(std::ceil(columnWidth())) + 2 * Overhang,
+            viewport()->height()};
+}
+
 int ChatTranscriptView::contentTop() const
 {
     return verticalScrollBar()->value();
@@ -90,8 +101,9 @@ void ChatTranscriptView::setTranscript(const ChatTranscript* transcript)
     clearSelection();
     m_focused.reset();
     setHovered(std::nullopt);
-    static const ChatTranscript Empty;
-    m_rows.reset(transcript != nullptr ? *transcript : Empty, !m_banner.isEmpty(), columnWidth());
+    static const ChatTranscript empty;
+    m_rows.reset(transcript != nullptr ? *transcript : empty, !m_banner.isEmpty(), columnWidth());
+    m_changedAll = true;
     m_follow.jumpToBottom();
     m_needsLayout = true;
     flush();
@@ -132,6 +144,7 @@ void ChatTranscriptView::setBanner(const QStringList& parts)
     m_rows.setBanner(!parts.isEmpty());
     if (!parts.isEmpty())
         m_rows.invalidate(0);
+    m_changedAll = true;
     m_needsLayout = true;
     scheduleFlush();
 }
@@ -152,6 +165,7 @@ void ChatTranscriptView::setZoom(double zoom)
 void ChatTranscriptView::applyTheme()
 {
     m_rows.invalidateAll();
+    m_changedAll = true;
     m_needsLayout = true;
     scheduleFlush();
     viewport()->update();
@@ -174,6 +188,7 @@ void ChatTranscriptView::flush()
             clearSelection();
             m_focused.reset();
             setHovered(std::nullopt);
+            m_changedAll = true;
         }
         m_needsLayout |= change.messageList || change.subagents || !change.messages.empty();
     }
@@ -189,7 +204,7 @@ void ChatTranscriptView::layOutRow(std::size_t index)
     ChatRow& row = m_rows.at(index);
     if (row.isMeasured && row.layout)
         return;
-    static const ChatTranscript Empty;
+    static const ChatTranscript empty;
     const ChatCanvasStyle style{
         m_theme.tokens(),
         m_zoom,
@@ -198,13 +213,13 @@ void ChatTranscriptView::layOutRow(std::size_t index)
         [this](const QString& key) { return m_open.contains(key) || m_copied == key; },
         [this](const QString& key, const ChatImage& image) { return findImage(key, image); },
     };
-    const ChatRowBuilder::Content content{m_transcript != nullptr ? *m_transcript : Empty,
+    const ChatRowBuilder::Content content{m_transcript != nullptr ? *m_transcript : empty,
                                           m_thinking, m_working, m_banner};
     ChatRowLayout layout = ChatRowBuilder(style, content, columnWidth()).build(row);
-    const int top = int(row.top + TopRoom) - contentTop();
-    // A row below which nothing moves is painted alone.
-    if (layout.height == row.height)
-        viewport()->update(0, top, viewport()->width(), int(row.height));
+    const auto changed = row.layout ? differenceOf(*row.layout, layout)
+                                    : std::optional(ChatStretch{0, layout.height});
+    if (changed)
+        m_changed.push_back({row.top + changed->top, row.top + changed->bottom});
     m_rows.setLayout(index, std::move(layout));
 }
 
@@ -220,18 +235,21 @@ bool ChatTranscriptView::layOutFrom(double top, double bottom)
     return changed;
 }
 
-/// Lays out the rows that fill the viewport from the end upwards; whether a height changed.
-bool ChatTranscriptView::layOutLast()
+/// Lays out the rows that fill the viewport from the end upwards.
+void ChatTranscriptView::layOutLast()
 {
-    bool changed = false;
     double filled = 0;
     for (std::size_t i = m_rows.size(); i-- > 0 && filled <= viewport()->height();) {
-        const double before = m_rows.at(i).height;
         layOutRow(i);
-        changed |= m_rows.at(i).height != before;
         filled += m_rows.at(i).height;
     }
-    return changed;
+}
+
+/// Finds the rows' places anew. Where the first one moves everything below does.
+void ChatTranscriptView::settle()
+{
+    if (const auto moved = m_rows.settle())
+        m_changed.push_back({*moved, WholeContent});
 }
 
 void ChatTranscriptView::layOutVisible()
@@ -240,16 +258,15 @@ void ChatTranscriptView::layOutVisible()
     if (width != m_laidWidth) {
         m_laidWidth = width;
         m_rows.invalidateAll();
+        m_changedAll = true;
     }
     const int oldTop = contentTop();
-    const double oldHeight = m_rows.height();
-    bool moved = false;
+    settle();
     if (m_follow.contentChanged()) {
-        moved = layOutLast();
-        m_rows.settle();
+        layOutLast();
+        settle();
         updateRange(INT_MAX);
     } else if (m_rows.size() > 0) {
-        m_rows.settle();
         // What the user looks at stays where it is: the first row in view that was there before.
         const double height = viewport()->height();
         std::size_t anchor = m_rows.rowAt(contentTop() - TopRoom);
@@ -261,8 +278,7 @@ void ChatTranscriptView::layOutVisible()
         for (int round = 0; round < 4 && changes; ++round) {
             const double top = m_rows.at(anchor).top - place - TopRoom;
             changes = layOutFrom(std::max(0.0, top), top + height);
-            moved |= changes;
-            m_rows.settle();
+            settle();
         }
         updateRange(int(std::lround(m_rows.at(anchor).top - place)));
     } else {
@@ -273,10 +289,35 @@ void ChatTranscriptView::layOutVisible()
         m_rows.keepLayouts(m_rows.rowAt(contentTop() - screen),
                            m_rows.rowAt(contentTop() + 2 * screen) + 1);
     }
-    if (moved || contentTop() != oldTop || m_rows.height() != oldHeight)
-        viewport()->update();
+    updateChanged(oldTop);
     reportGeometry();
     restartSpinner();
+}
+
+/// Moves what is painted already to where it stands now, and has the rest painted.
+void ChatTranscriptView::updateChanged(int oldTop)
+{
+    std::vector<ChatStretch> changed = std::exchange(m_changed, {});
+    const double oldHeight = std::exchange(m_shownHeight, m_rows.height());
+    if (m_shownHeight < oldHeight)
+        changed.push_back({m_shownHeight, oldHeight});
+    if (std::exchange(m_changedAll, false)) {
+        viewport()->update();
+        return;
+    }
+    const int top = contentTop();
+    const QRect column = paintedColumn();
+    if (top != oldTop)
+        viewport()->scroll(0, oldTop - top, column);
+    for (const ChatStretch& stretch : changed) {
+        const double shift = TopRoom - top;
+        const int first = int(std::floor(std::max(stretch.top + shift, -1.0))) - Overhang;
+        const int last =
+            int(std::ceil(std::min(stretch.bottom + shift, double(viewport()->height())))) +
+            Overhang;
+        if (first < last)
+            viewport()->update(column.left(), first, column.width(), last - first);
+    }
 }
 
 void ChatTranscriptView::updateRange(int value)
@@ -299,19 +340,17 @@ void ChatTranscriptView::reportGeometry()
         emit followingChanged(m_follow.follows());
 }
 
-void ChatTranscriptView::scrollContentsBy(int dx, int dy)
+void ChatTranscriptView::scrollContentsBy(int /*dx*/, int dy)
 {
-    if (m_isScrollingItself) {
-        viewport()->update();
+    if (m_isScrollingItself)
         return;
-    }
     const bool followed = m_follow.follows();
     m_follow.userScrolls(true);
     m_scrollIdle.start();
     reportGeometry();
     if (m_follow.follows() != followed)
         emit followingChanged(m_follow.follows());
-    viewport()->scroll(dx, dy);
+    viewport()->scroll(0, dy, paintedColumn());
     layOutVisible();
     updateHover(viewport()->mapFromGlobal(QCursor::pos()));
 }
@@ -409,7 +448,15 @@ void ChatTranscriptView::updateSpinners()
 void ChatTranscriptView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(viewport());
-    const QRectF clip = event->rect();
+    for (const QRect& part : event->region()) {
+        painter.setClipRect(part);
+        paintPart(painter, part);
+    }
+}
+
+/// Paints the rows in one rectangle.
+void ChatTranscriptView::paintPart(QPainter& painter, const QRectF& clip)
+{
     painter.fillRect(clip, m_theme.tokens().sheet);
     if (m_rows.size() == 0)
         return;

@@ -32,6 +32,7 @@ public:
     /// The transcript changed. Shown with the next frame.
     void transcriptChanged(const ChatTranscriptChange& change);
     void setWorkingRow(const std::optional<ChatWorkingRow>& row);
+    [[nodiscard]] const std::optional<ChatWorkingRow>& workingRow() const { return m_working; }
     /// The facts above the first message; empty for none.
     void setBanner(const QStringList& parts);
     /// The project, in which relative paths are looked up.
@@ -107,14 +108,18 @@ private:
     // Layout (ChatTranscriptView.cpp)
     [[nodiscard]] double columnWidth() const;
     [[nodiscard]] double columnLeft() const;
+    [[nodiscard]] QRect paintedColumn() const;
     [[nodiscard]] int contentTop() const; ///< Of the viewport's first line in the content.
     void scheduleFlush();
     void layOutVisible();
     void layOutRow(std::size_t index);
     bool layOutFrom(double top, double bottom);
-    bool layOutLast();
+    void layOutLast();
+    void settle();
+    void updateChanged(int oldTop);
     void updateRange(int value);
     void reportGeometry();
+    void paintPart(QPainter& painter, const QRectF& clip);
     void applyTheme();
     void restartSpinner();
     void updateSpinners();
@@ -156,6 +161,9 @@ private:
 
     ChatTranscriptChange m_pending;
     bool m_needsLayout = false;
+    std::vector<ChatStretch> m_changed; ///< What has to be painted again, in the content.
+    bool m_changedAll = false;
+    double m_shownHeight = 0; ///< Of the rows when they were last laid out.
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
 

@@ -13,6 +13,7 @@
 #include "Views/Chat/ImageOverlay.h"
 #include "Views/Chat/JumpButton.h"
 
+#include <QCoreApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -174,8 +175,11 @@ void ChatView::connectDraft()
 void ChatView::showState()
 {
     const ChatState& state = m_chat.state();
-    m_transcript->setWorkingRow(
-        ChatWorkingRow::of(state, m_chat.transcript().messages, m_chat.isLoadingHistory()));
+    // A missing agent has a card of its own, which says more than the shell's words.
+    auto row = ChatWorkingRow::of(state, m_chat.transcript().messages, m_chat.isLoadingHistory());
+    if (m_chat.isAgentMissing() && row && row->kind == ChatWorkingRow::Kind::Failed)
+        row.reset();
+    m_transcript->setWorkingRow(row);
     m_composer->setBusy(state.kind == ChatState::Kind::Working ||
                         state.kind == ChatState::Kind::Starting ||
                         state.kind == ChatState::Kind::Waiting);

@@ -38,7 +38,7 @@ void drawCopyButton(ChatCanvas& canvas, const QRectF& head, const QString& key, 
 
 QString label(const std::optional<QString>& language)
 {
-    static const QHash<QString, QString> Names{
+    static const QHash<QString, QString> names{
         {"js", "JavaScript"},
         {"javascript", "JavaScript"},
         {"jsx", "JavaScript"},
@@ -79,8 +79,8 @@ QString label(const std::optional<QString>& language)
     if (!language)
         return QStringLiteral("Code");
     const QString word = language->section(u' ', 0, 0);
-    const auto known = Names.constFind(word.toLower());
-    if (known != Names.constEnd())
+    const auto known = names.constFind(word.toLower());
+    if (known != names.constEnd())
         return *known;
     QString name = word;
     name[0] = name[0].toUpper();

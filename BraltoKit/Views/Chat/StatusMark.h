@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QTimer>
 
+class QPainter;
+
 namespace Bralto {
 
 /// How far something has come, as a shape in a colour: a turning ring, a tick, a cross.

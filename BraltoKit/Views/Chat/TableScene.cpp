@@ -12,6 +12,10 @@ constexpr double CellSide = 12;
 constexpr double CellTop = 5;
 constexpr double HeadTop = 6;
 
+/// Where columns are many, their sides shrink so far, and what doesn't fit even then is left out.
+constexpr double NarrowestSide = 2;
+constexpr double NarrowestText = 16;
+
 /// Rows beyond the widest screen's worth of columns are not shown; no table of words has more.
 constexpr qsizetype MostColumns = 40;
 
@@ -32,6 +36,7 @@ public:
 
     double draw(const QPointF& at, double width)
     {
+        share(width);
         measure(width);
         ChatCanvas inner(m_canvas.style());
         const double head = drawRow(inner, m_table.header, at, TextRole::SecondaryStrong,
@@ -49,6 +54,14 @@ public:
     }
 
 private:
+    void share(double width)
+    {
+        const double narrowest = m_canvas.u(2 * NarrowestSide + NarrowestText);
+        m_columns = std::min(m_columns, std::max<qsizetype>(1, qsizetype(width / narrowest)));
+        const double text = width / double(m_columns) - m_canvas.u(NarrowestText);
+        m_side = std::clamp(text / 2, m_canvas.u(NarrowestSide), m_canvas.u(CellSide));
+    }
+
     void measure(double width)
     {
         std::vector<double> wanted;
@@ -56,7 +69,7 @@ private:
             double widest = natural(cell(m_table.header, column), TextRole::SecondaryStrong);
             for (const QStringList& row : m_table.rows)
                 widest = std::max(widest, natural(cell(row, column), TextRole::Body));
-            wanted.push_back(widest + 2 * m_canvas.u(CellSide));
+            wanted.push_back(widest + 2 * m_side);
             m_isNumeric.push_back(isNumeric(m_table, column));
         }
         m_widths = columnWidths(std::move(wanted), width);
@@ -71,9 +84,9 @@ private:
                    const QColor& ink, double padding)
     {
         double height = canvas.lineHeight(role);
-        double left = canvas.u(CellSide);
+        double left = m_side;
         for (qsizetype column = 0; column < m_columns; ++column) {
-            const double space = m_widths[std::size_t(column)] - 2 * canvas.u(CellSide);
+            const double space = m_widths[std::size_t(column)] - 2 * m_side;
             ChatText text = canvas.styled(ChatInline::runs(cell(row, column)), role, ink);
             text.separator = column == 0 ? QStringLiteral("\n") : QStringLiteral("\t");
             double indent = 0;
@@ -104,6 +117,7 @@ private:
     const MarkdownBlocks::Table& m_table;
     QColor m_ink;
     qsizetype m_columns;
+    double m_side = 0; ///< The room at the left and right of a cell's text.
     std::vector<double> m_widths;
     std::vector<bool> m_isNumeric;
 };
@@ -145,14 +159,14 @@ std::vector<double> columnWidths(std::vector<double> wanted, double available)
 
 bool isNumeric(const MarkdownBlocks::Table& table, qsizetype column)
 {
-    static const QRegularExpression Number(
+    static const QRegularExpression number(
         QStringLiteral("^[-+±−~≈<>≤≥$€£]{0,2}\\d[\\d.,  ]*( ?[%a-zA-Zµ°/]{1,4})?$"));
     bool hasNumber = false;
     for (const QStringList& row : table.rows) {
         const QString text = cell(row, column);
         if (text.isEmpty())
             continue;
-        if (!Number.match(text).hasMatch())
+        if (!number.match(text).hasMatch())
             return false;
         hasNumber = true;
     }

@@ -200,7 +200,7 @@ TextRows::Place CodeText::placeAt(const QPoint& point) const
 {
     const int y = point.y() + verticalScrollBar()->value() - Measure::TextTop;
     const int row = int(std::floor(double(y) / rowHeight()));
-    return m_rows.placeAt(row, int((point.x() - textLeft()) / columnWidth() + 0.5));
+    return m_rows.placeAt(row, qRound((point.x() - textLeft()) / columnWidth()));
 }
 
 void CodeText::moveTo(TextRows::Place place, Anchor anchor)

@@ -1,11 +1,10 @@
 #include "Views/Editor/PictureView.h"
 
-#include "Chat/MainThreadDoor.h"
+#include "Base/Background.h"
 #include "Views/Kit/Shape.h"
 
 #include <QImageReader>
 #include <QPainter>
-#include <QThreadPool>
 
 namespace Bralto {
 namespace {
@@ -25,15 +24,9 @@ PictureView::PictureView(Theme& theme, const QString& path, QWidget* parent)
     : ThemedWidget(theme, parent)
     , m_path(path)
     , m_whole(QImageReader(path).size())
-    , m_door(std::make_shared<MainThreadDoor>(this))
 {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(path);
-}
-
-PictureView::~PictureView()
-{
-    m_door->close();
 }
 
 bool PictureView::canShow(const QString& path)
@@ -65,9 +58,9 @@ void PictureView::read()
     if (wanted.isEmpty() || wanted == m_wanted)
         return;
     m_wanted = wanted;
-    QThreadPool::globalInstance()->start([this, door = m_door, path = m_path, wanted] {
-        QImage image = readImage(path, wanted);
-        door->post([this, image = std::move(image), wanted] {
+    inBackground(
+        this, [path = m_path, wanted] { return readImage(path, wanted); },
+        [this, wanted](const QImage& image) {
             // The window was resized meanwhile: another one is on its way.
             if (wanted != m_wanted)
                 return;
@@ -75,7 +68,6 @@ void PictureView::read()
             update();
             emit imageRead();
         });
-    });
 }
 
 void PictureView::resizeEvent(QResizeEvent* /*event*/)

@@ -4,11 +4,7 @@
 
 #include <QImage>
 
-#include <memory>
-
 namespace Bralto {
-
-class MainThreadDoor;
 
 /// A picture file, as large as it is or as the room allows. It is read on another thread, at the
 /// size that shows; until it is there, its place is empty.
@@ -17,7 +13,6 @@ class PictureView final : public ThemedWidget {
 
 public:
     PictureView(Theme& theme, const QString& path, QWidget* parent = nullptr);
-    ~PictureView() override;
 
     /// Whether the file holds a picture of a kind that can be drawn, and not an absurd size.
     [[nodiscard]] static bool canShow(const QString& path);
@@ -41,7 +36,6 @@ private:
     QSize m_whole;  ///< Of the picture in the file, pixels.
     QSize m_wanted; ///< What is read, or being read.
     QImage m_image; ///< As it was read last.
-    std::shared_ptr<MainThreadDoor> m_door;
 };
 
 } // namespace Bralto

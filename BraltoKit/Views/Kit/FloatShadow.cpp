@@ -12,6 +12,11 @@
 namespace Bralto::Float {
 namespace {
 
+std::size_t indexOf(int x, int y, int width)
+{
+    return std::size_t(y) * std::size_t(width) + std::size_t(x);
+}
+
 /// One pass of a box blur along rows; three of them are close to a Gauss curve.
 void blurRows(std::vector<float>& values, int width, int height, int radius)
 {
@@ -54,7 +59,7 @@ std::vector<float> blurredSquare(int side, int margin, int radius, int blur)
         std::vector<float> turned(values.size());
         for (int y = 0; y < side; ++y) {
             for (int x = 0; x < side; ++x)
-                turned[std::size_t(x * side + y)] = values[std::size_t(y * side + x)];
+                turned[indexOf(y, x, side)] = values[indexOf(x, y, side)];
         }
         values = std::move(turned);
     }
@@ -72,8 +77,8 @@ QPixmap shadowPicture(int radius, double ratio, const QColor& ink)
     for (int y = 0; y < side; ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < side; ++x) {
-            const float alpha = values[std::size_t(y * side + x)] * ink.alphaF();
-            line[x] = qPremultiply(qRgba(ink.red(), ink.green(), ink.blue(), int(alpha + 0.5F)));
+            const float alpha = values[indexOf(x, y, side)] * ink.alphaF();
+            line[x] = qPremultiply(qRgba(ink.red(), ink.green(), ink.blue(), qRound(alpha)));
         }
     }
     return QPixmap::fromImage(std::move(image));

@@ -42,10 +42,22 @@ QColor mixed(const QColor& from, const QColor& to, double fraction)
                   part(from.blue(), to.blue()));
 }
 
+Rgb blend(const Rgb& from, const Rgb& to, double fraction)
+{
+    return {from.red + (to.red - from.red) * fraction,
+            from.green + (to.green - from.green) * fraction,
+            from.blue + (to.blue - from.blue) * fraction};
+}
+
 double contrast(const QColor& first, const QColor& second)
 {
-    const double one = relativeLuminance(rgb(first));
-    const double two = relativeLuminance(rgb(second));
+    return contrast(rgb(first), rgb(second));
+}
+
+double contrast(const Rgb& first, const Rgb& second)
+{
+    const double one = relativeLuminance(first);
+    const double two = relativeLuminance(second);
     return (std::max(one, two) + 0.05) / (std::min(one, two) + 0.05);
 }
 

@@ -22,7 +22,11 @@ namespace Bralto::Ink {
 /// The colour at `fraction` of the way from one opaque colour to another.
 [[nodiscard]] QColor mixed(const QColor& from, const QColor& to, double fraction);
 
+/// The same, not rounded to what a screen shows.
+[[nodiscard]] Rgb blend(const Rgb& from, const Rgb& to, double fraction);
+
 /// Contrast ratio of two opaque colours, 1 to 21.
 [[nodiscard]] double contrast(const QColor& first, const QColor& second);
+[[nodiscard]] double contrast(const Rgb& first, const Rgb& second);
 
 } // namespace Bralto::Ink

@@ -52,9 +52,7 @@ public:
         switch (hint) {
         case SH_Menu_MouseTracking:
         case SH_Menu_SupportsSections:
-            return 1;
         case SH_Menu_SloppySubMenus:
-            return 1;
         case SH_Menu_Scrollable:
             return 1;
         default:

@@ -26,17 +26,21 @@ double readableAlpha(const QColor& ink, double start, double wanted,
     return 1;
 }
 
-/// `ink`, mixed toward `end` in steps of two hundredths until it reaches `wanted` on all grounds.
+/// `ink`, mixed toward `end` in steps of two hundredths until it reaches `wanted` on all grounds. A
+/// step must do so before and after it is rounded to what a screen shows.
 template <std::size_t Count>
 QColor readableInk(const QColor& ink, const QColor& end, double wanted,
                    const std::array<QColor, Count>& grounds)
 {
     for (int percent = 0; percent < 100; percent += 2) {
-        const QColor candidate = Ink::mixed(ink, end, percent / 100.0);
+        const double fraction = percent / 100.0;
+        const Rgb exact = Ink::blend(Ink::rgb(ink), Ink::rgb(end), fraction);
+        const QColor shown = Ink::mixed(ink, end, fraction);
         if (std::ranges::all_of(grounds, [&](const QColor& ground) {
-                return Ink::contrast(candidate, ground) >= wanted;
+                return Ink::contrast(exact, Ink::rgb(ground)) >= wanted &&
+                       Ink::contrast(shown, ground) >= wanted;
             }))
-            return candidate;
+            return shown;
     }
     return end;
 }
@@ -70,9 +74,11 @@ Tokens::Frame frameTokens(const TokenSource& source)
     frame.barTrack = dark ? faded(white, 0.16) : faded(black, 0.13);
     frame.barValue = faded(frame.label, 0.88);
 
+    // In the dark the lighter of the two hovers, which leaves the text less room.
+    const QColor lightest = dark ? faded(white, 0.07) : frame.hover;
     std::array<QColor, 3> hovered;
     std::ranges::transform(frame.stops, hovered.begin(),
-                           [&](const QColor& stop) { return over(frame.hover, stop); });
+                           [&](const QColor& stop) { return over(lightest, stop); });
     frame.waitingText = readableInk(hex(dark ? 0xF2C46B : 0x7A4E00), end, 4.5, hovered);
     frame.waitingDot = readableInk(hex(dark ? 0xF2C46B : 0xA46A00), end, 3, frame.stops);
     frame.added = readableInk(hex(dark ? 0x8EE0A8 : 0x0E5C30), end, 3, frame.stops);

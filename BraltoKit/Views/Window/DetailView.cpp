@@ -134,7 +134,7 @@ void DetailView::place()
 
     const int consoleTop = bottom + Measure::FrameInset;
     // While the console slides out it keeps the height that it has beside the editor.
-    const int resting = int(std::lround(shared - shared * fraction));
+    const int resting = shared - int(std::lround(shared * fraction));
     const int consoleHeight = std::max({room - consoleTop, std::min(resting, room), 1});
     m_console->setGeometry(0, top + consoleTop, width(), consoleHeight);
     m_seam->setGeometry(0, top + bottom, width(), Measure::FrameInset);

@@ -91,6 +91,18 @@ TEST_F(ChatScenesTest, AFenceIsLabelledByItsLanguage)
     EXPECT_EQ(CodeScene::label("fortran"), "Fortran");
 }
 
+TEST_F(ChatScenesTest, TextNeverLeavesItsColumn)
+{
+    for (const QString& text :
+         {QString(400, u'x'), "- " + QString(400, u'W'), "> " + QString(99, u'W'),
+          "```\n" + QString(400, u'x'), QString("| a |").repeated(40) + "\n|-|"}) {
+        for (const ChatScene::Text& each : markdown(text, 220).texts) {
+            for (int i = 0; i < each.layout->lineCount(); ++i)
+                EXPECT_LE(each.at.x() + each.layout->lineAt(i).naturalTextWidth(), 221);
+        }
+    }
+}
+
 TEST_F(ChatScenesTest, ColumnsShareTheWholeWidth)
 {
     const auto sum = [](const std::vector<double>& widths) {

@@ -4,6 +4,8 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QPaintEvent>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -48,6 +50,8 @@ protected:
         m_view.resize(500, 400);
         m_view.setTranscript(&m_transcript);
         m_view.show();
+        m_view.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&m_view));
     }
 
     void add(ChatMessage message)
@@ -213,6 +217,18 @@ TEST_F(ChatTranscriptViewTest, AClickOpensAToolRowAndAnotherClosesIt)
     EXPECT_DOUBLE_EQ(m_view.rows().all()[0].height, folded);
 }
 
+TEST_F(ChatTranscriptViewTest, ToolRowsAreReachedAndOpenedByKey)
+{
+    add(message("m", ChatRole::Assistant, {bash("call", "one")}));
+    const double folded = m_view.rows().all()[0].height;
+    m_view.setFocus();
+
+    QTest::keyClick(&m_view, Qt::Key_Tab);
+    QTest::keyClick(&m_view, Qt::Key_Return);
+
+    EXPECT_GT(m_view.rows().all()[0].height, folded);
+}
+
 TEST_F(ChatTranscriptViewTest, ADraggedSelectionIsCopied)
 {
     add(reply("a", "Hello there"));
@@ -327,4 +343,147 @@ TEST_F(ChatTranscriptViewTest, AKeyThatTypesBelongsToTheComposer)
     QTest::keyClick(&m_view, Qt::Key_H);
 
     EXPECT_EQ(typed, 1);
+}
+
+// What is painted
+
+namespace {
+
+/// Adds up what a widget paints, as a share of its area.
+class PaintedShare final : public QObject {
+public:
+    explicit PaintedShare(QWidget& widget)
+        : m_widget(widget)
+    {
+        widget.installEventFilter(this);
+    }
+
+    [[nodiscard]] double take() { return std::exchange(m_share, 0.0); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            for (const QRect& part : static_cast<QPaintEvent*>(event)->region())
+                m_share += double(part.width()) * part.height() /
+                           (double(m_widget.width()) * m_widget.height());
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QWidget& m_widget;
+    double m_share = 0;
+};
+
+} // namespace
+
+class ChatTranscriptPaintTest : public ChatTranscriptViewTest {
+protected:
+    void SetUp() override
+    {
+        ChatTranscriptViewTest::SetUp();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_view));
+        QCoreApplication::processEvents();
+    }
+
+    /// What is on the screen must be what the view looks like when it is painted as a whole.
+    void expectScreenIsRight(const char* after)
+    {
+        QCoreApplication::processEvents();
+        const QImage screen = m_view.screen()
+                                  ->grabWindow(m_view.winId())
+                                  .toImage()
+                                  .convertToFormat(QImage::Format_RGB32);
+        const QImage whole = m_view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        ASSERT_EQ(screen.size(), whole.size());
+        for (int y = 0; y < whole.height(); ++y) {
+            for (int x = 0; x < whole.width(); ++x)
+                ASSERT_EQ(screen.pixel(x, y), whole.pixel(x, y))
+                    << "at " << x << ", " << y << " after " << after;
+        }
+    }
+};
+
+TEST_F(ChatTranscriptPaintTest, AWordPaintsTheBlockThatItStandsInAlone)
+{
+    fill(30);
+    for (int i = 0; i < 40; ++i)
+        grow(29, "\n\nA paragraph that stays as it is.");
+    QCoreApplication::processEvents();
+    PaintedShare painted(*m_view.viewport());
+
+    grow(29, " word");
+    QCoreApplication::processEvents();
+
+    const double share = painted.take();
+    EXPECT_GT(share, 0);
+    EXPECT_LT(share, 0.15);
+}
+
+TEST_F(ChatTranscriptPaintTest, TextThatMovesUpIsNotPaintedAgain)
+{
+    fill(30);
+    QCoreApplication::processEvents();
+    PaintedShare painted(*m_view.viewport());
+
+    grow(29, "\n\nA paragraph more.");
+    QCoreApplication::processEvents();
+
+    EXPECT_LT(painted.take(), 0.3);
+}
+
+TEST_F(ChatTranscriptPaintTest, ReadingFurtherUpATextThatGrowsBelowPaintsNothing)
+{
+    fill(30);
+    scrollTo(0);
+    rest();
+    QCoreApplication::processEvents();
+    PaintedShare painted(*m_view.viewport());
+
+    grow(29, " word");
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(painted.take(), 0);
+}
+
+TEST_F(ChatTranscriptPaintTest, TheScreenIsRightWhateverChanges)
+{
+    fill(12);
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("filling"));
+    for (const char* piece : {" word", " and more words until the line is full and breaks into two",
+                              "\n\n", "next", "\n- item", "\n- item\n", "\n```cpp\nint a;",
+                              "\nint b;\n```\n", "\n| a | b |\n", "|-|-|\n| 1 | 2 |\n", "\nend"}) {
+        grow(11, piece);
+        ASSERT_NO_FATAL_FAILURE(expectScreenIsRight(piece));
+    }
+    m_view.setWorkingRow(ChatWorkingRow{ChatWorkingRow::Kind::Busy, "Thinking…"});
+    m_view.flush();
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("the working row came"));
+    grow(11, "\n\nabove it");
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("text above the working row"));
+    add(message("call", ChatRole::Assistant, {bash("t", "out\nput")}));
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("a call"));
+    m_view.toggle("t");
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("the call was opened"));
+    m_view.setWorkingRow(std::nullopt);
+    m_view.flush();
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("the working row went"));
+
+    scrollTo(bar().maximum() - 37);
+    rest();
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("scrolling up"));
+    grow(3, "\n\nfar above");
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("text out of view grew"));
+    grow(11, "\n\nin view or below");
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("text in view grew"));
+    m_view.scrollToBottom();
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("going back to the end"));
+    m_view.resize(460, 380);
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("another size"));
+    ChatTranscript history;
+    history.append(reply("h", "earlier"));
+    m_view.transcriptChanged(m_transcript.prepend(history));
+    m_view.flush();
+    ASSERT_NO_FATAL_FAILURE(expectScreenIsRight("history came"));
 }

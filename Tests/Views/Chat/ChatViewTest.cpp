@@ -28,6 +28,7 @@ protected:
         m_view->resize(500, 600);
         m_view->show();
         m_view->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_view.get()));
         field().setFocus();
     }
     void TearDown() override { m_view.reset(); }
@@ -273,6 +274,7 @@ TEST_F(ChatViewTest, ThePaletteCompletesByTab)
     press(Qt::Key_Tab);
 
     EXPECT_EQ(field().toPlainText(), "/clear ");
+    EXPECT_TRUE(field().hasFocus());
 }
 
 TEST_F(ChatViewTest, WithoutAnAgentTheCardOffersTheTwoWaysOn)
@@ -288,6 +290,18 @@ TEST_F(ChatViewTest, WithoutAnAgentTheCardOffersTheTwoWaysOn)
 
     EXPECT_EQ(demo.count(), 1);
     EXPECT_EQ(help.count(), 1);
+}
+
+TEST_F(ChatViewTest, AMissingAgentIsToldOnceByItsCard)
+{
+    type("Hello");
+    press(Qt::Key_Return);
+    agent().complain("zsh:1: command not found: claude\n");
+    agent().exit(127);
+
+    ASSERT_TRUE(part<ChatMissingAgentCard>().isVisible());
+    EXPECT_EQ(chat().state().kind, ChatState::Kind::Failed);
+    EXPECT_FALSE(m_view->transcriptView().workingRow());
 }
 
 TEST_F(ChatViewTest, TypingInTheTranscriptWritesInTheComposer)
