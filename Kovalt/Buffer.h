@@ -89,7 +89,6 @@ public:
     [[nodiscard]] const CircularBufferLineList& lines() const { return m_lines; }
     /// A row of the screen; out of range the nearest.
     [[nodiscard]] BufferLine& screenLine(int row);
-    [[nodiscard]] const BufferLine& screenLine(int row) const;
     /// The row of the cursor.
     [[nodiscard]] BufferLine& cursorLine() { return screenLine(y); }
 
@@ -158,19 +157,23 @@ private:
 
     [[nodiscard]] static int getCorrectBufferLength(int rows, std::optional<int> scrollback);
     [[nodiscard]] int rightLimit() const;
+    [[nodiscard]] int leftLimit() const;
+    void ensureScreen();
+    void beginRow(BufferLine& line, const Attribute& fill, bool isWrapped,
+                  const BidiPresentationState& bidiState);
     [[nodiscard]] BufferHost& host() const;
-    void keepCursorInside();
     void wrapLine();
     void trimOldest(int n);
     void shrinkRows(int newRows);
-    void growRows(int newRows, int& addedToY);
-    void reflow(int oldCols, Position cursor);
+    /// Returns by how many rows the screen's text has moved down.
+    [[nodiscard]] int growRows(int newRows);
+    void resizeLines();
+    void reflow(int oldCols, int cursorX, int savedCursorX);
     void assertLineSizes() const;
 
     int m_cols;
     int m_rows;
     std::optional<int> m_scrollback;
-    int m_tabStopWidth;
     int m_linesWithImagesCount = 0;
     BufferHost* m_host = nullptr;
     CircularBufferLineList m_lines;

@@ -24,7 +24,7 @@ enum class RenderLineMode : std::uint8_t { Single, DoubleWidth, DoubledTop, Doub
 ///
 /// Cells are stored only as far as something was written; those behind it (from `live().size()`
 /// on) are all `blank()`. So an empty row has no storage, clearing a row or its end touches no
-/// cell, and a short row stays small. Columns out of range are told on standard output and the
+/// cell, and a short row stays small. Columns out of range are told on standard error and the
 /// last cell is used instead. Every change raises `generation()`.
 ///
 /// A wide character is a cell of width 2 and a right half of width 0. A change that covers one
@@ -48,9 +48,21 @@ public:
     [[nodiscard]] std::span<const CharData> live() const { return {m_cells, m_live}; }
     /// Every cell behind the stored ones.
     [[nodiscard]] CharData blank() const;
-    /// The first `count` cells (at most `size()`), stored and ready to be written. The caller mends
-    /// wide characters (`splitWide`) and has the generation raised by this call.
+    /// The first `count` cells (at most `size()`), stored and ready to be changed. The caller mends
+    /// wide characters (`splitWide`).
     [[nodiscard]] CharData* writable(int count);
+    /// `count` cells from `column`, all inside the row, which the caller must now write one and
+    /// all: what they held before is gone, and wide characters that stood half in them too.
+    [[nodiscard]] CharData* overwrite(int column, int count)
+    {
+        const int end = column + count;
+        ++m_generation;
+        splitWide(column);
+        splitWide(end);
+        if (end > m_live)
+            extendLive(column, end);
+        return m_cells + column;
+    }
 
     /// This row continues the one above.
     [[nodiscard]] bool isWrapped() const { return m_isWrapped; }
@@ -80,7 +92,8 @@ public:
     void insertCells(int column, int n, int rightMargin, const CharData& cell);
     /// Moves them to the left; the gap before `rightMargin` is filled.
     void deleteCells(int column, int n, int rightMargin, const CharData& cell);
-    /// All cells and settings of a row of the same or another width; this row's width stays.
+    /// All cells, settings and marks of a row of the same or another width. This row's width stays,
+    /// and so do its images.
     void copyFrom(const BufferLine& line);
     /// `length` cells; also within one row, where the two places may overlap. A wide character of
     /// which only one half is copied arrives as a blank.
@@ -149,6 +162,7 @@ private:
     void dropEmptyExtra();
     void reserve(int count);
     void materialize(int count);
+    void extendLive(int column, int end);
     void blankPair(int column);
     void setBlanks(int column, const CharData& cell);
 

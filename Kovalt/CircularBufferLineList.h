@@ -33,7 +33,7 @@ public:
     /// The first `min(count, length)` rows stay.
     void setMaxLength(int length);
 
-    /// An index out of range is told on standard error and aborts.
+    /// An index out of range prints and aborts.
     [[nodiscard]] BufferLine& operator[](int index) { return line(index); }
     [[nodiscard]] const BufferLine& operator[](int index) const { return line(index); }
     /// The row, or null if nothing has touched it yet: then it is empty.
@@ -60,7 +60,15 @@ public:
     void assign(std::vector<std::unique_ptr<BufferLine>> lines);
 
 private:
-    [[nodiscard]] BufferLine& line(int index) const;
+    [[nodiscard]] BufferLine& line(int index) const
+    {
+        if (unsigned(index) < unsigned(m_lines.count())) {
+            if (BufferLine* const known = m_lines[index].get())
+                return *known;
+        }
+        return untouchedLine(index);
+    }
+    [[nodiscard]] BufferLine& untouchedLine(int index) const;
 
     mutable CircularList<std::unique_ptr<BufferLine>> m_lines;
     Owner& m_owner;

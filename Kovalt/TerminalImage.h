@@ -8,7 +8,6 @@ public:
     virtual ~TerminalImage() = default;
     /// The column of its left edge.
     [[nodiscard]] virtual int col() const = 0;
-    virtual void setCol(int col) = 0;
     /// Its size in cells.
     [[nodiscard]] virtual int columns() const = 0;
     [[nodiscard]] virtual int rows() const = 0;

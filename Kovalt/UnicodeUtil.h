@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -108,6 +109,14 @@ private:
     bool m_oddIndicators = false;
 };
 
+/// Made by the build, see Tools/UnicodeTables.
+namespace UnicodeTables {
+extern const char Version[];
+extern const ScalarProperties Records[];
+extern const std::uint16_t Blocks[];
+extern const std::uint8_t Entries[];
+} // namespace UnicodeTables
+
 /// Properties of scalars, from tables that the build makes of the system's Unicode data: one
 /// look-up each, the same for all threads.
 namespace UnicodeUtil {
@@ -115,14 +124,26 @@ namespace UnicodeUtil {
 /// The version of the Unicode data, for example "15.0.0".
 [[nodiscard]] std::string_view version();
 
-[[nodiscard]] const ScalarProperties& properties(char32_t scalar);
+[[nodiscard]] inline const ScalarProperties& properties(char32_t scalar)
+{
+    if (scalar > 0x10FFFF)
+        scalar = 0x10FFFF;
+    const std::size_t block = UnicodeTables::Blocks[scalar >> 8];
+    return UnicodeTables::Records[UnicodeTables::Entries[block << 8 | (scalar & 0xFF)]];
+}
 
 /// Columns of a scalar: -1 for a control, 0 for what combines with the one before, 1, or 2.
 /// A regional indicator has 2, and so has an emoji modifier that stands alone.
-[[nodiscard]] int computeColumnWidth(char32_t scalar);
+[[nodiscard]] inline int computeColumnWidth(char32_t scalar)
+{
+    return properties(scalar).width;
+}
 
 /// Whether U+FE0E and U+FE0F change how the scalar is presented.
-[[nodiscard]] bool isEmojiPresentationBase(char32_t scalar);
+[[nodiscard]] inline bool isEmojiPresentationBase(char32_t scalar)
+{
+    return properties(scalar).emojiVariationBase;
+}
 /// A skin tone, U+1F3FB to U+1F3FF; behind its base it has no column of its own.
 [[nodiscard]] constexpr bool isEmojiModifier(char32_t scalar)
 {
@@ -136,7 +157,10 @@ namespace UnicodeUtil {
 {
     return scalar >= 0xFE00 && scalar <= 0xFE0F;
 }
-[[nodiscard]] GeneralCategory generalCategory(char32_t scalar);
+[[nodiscard]] inline GeneralCategory generalCategory(char32_t scalar)
+{
+    return properties(scalar).category;
+}
 
 /// Whether the UTF-8 text, which is one extended grapheme cluster, stays one with this scalar
 /// behind it. For a cell's text `GraphemeTable::joins` is faster.
