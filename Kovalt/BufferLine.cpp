@@ -50,6 +50,7 @@ BufferLine::BufferLine(int cols, const CharData& cell, bool isWrapped,
     , m_bidiState(0)
     , m_renderMode(RenderLineMode::Single)
     , m_isWrapped(isWrapped)
+    , m_continuesEarly(false)
 {
     setBidiState(bidi);
     fill(cell);
@@ -65,6 +66,7 @@ BufferLine::BufferLine(const BufferLine& other)
     , m_bidiState(other.m_bidiState)
     , m_renderMode(other.m_renderMode)
     , m_isWrapped(other.m_isWrapped)
+    , m_continuesEarly(other.m_continuesEarly)
 {
     reserve(other.m_live);
     copyCells(m_cells, other.m_cells, other.m_live);
@@ -224,6 +226,7 @@ void BufferLine::clear(const Attribute& attribute)
     ++m_recycleGeneration;
     const CharData cell = CharData::null(attribute);
     m_live = 0;
+    m_continuesEarly = false;
     m_blankBackground = attribute.bg;
     if (!isBlank(cell)) {
         reserve(m_size);
@@ -319,6 +322,7 @@ void BufferLine::copyFrom(const BufferLine& line)
     m_bidiState = line.m_bidiState;
     m_renderMode = line.m_renderMode;
     m_isWrapped = line.m_isWrapped;
+    m_continuesEarly = line.m_continuesEarly;
     fill(CharData{});
     copyFrom(line, 0, 0, line.m_size);
     destroySemanticState();

@@ -177,6 +177,10 @@ private:
     std::uint8_t m_bidiState : 4;
     RenderLineMode m_renderMode : 3;
     bool m_isWrapped : 1;
+    /// The next row continues this one behind its last character, not behind its last column:
+    /// the row became wider without being joined.
+    bool m_continuesEarly : 1;
 };
+static_assert(sizeof(BufferLine) == 40);
 
 } // namespace Kovalt

@@ -60,8 +60,10 @@ void LineReflow::keepGroup(std::size_t first, std::size_t last)
             if (m_newCols < m_oldCols)
                 m_places[i].col = std::min(m_places[i].col, m_newCols - 1);
         }
-        if (m_old[row])
+        if (m_old[row]) {
             m_old[row]->resize(m_newCols);
+            m_old[row]->m_continuesEarly = row != last;
+        }
         m_new.push_back(std::move(m_old[row]));
     }
 }
@@ -70,15 +72,19 @@ void LineReflow::measure(std::size_t first, std::size_t last)
 {
     m_lengths.clear();
     m_offsets.clear();
+    m_endsEarly = false;
     int offset = 0;
     for (std::size_t row = first; row <= last; ++row) {
         const BufferLine& line = *m_old[row];
         int length = m_oldCols;
-        if (row == last) {
+        if (row == last || line.m_continuesEarly) {
             length = line.getTrimmedLength();
-        } else if (!line.hasContent(m_oldCols - 1) && m_old[row + 1]->getWidth(0) == 2) {
-            // The wide character did not fit and wrapped early.
-            length = m_oldCols - 1;
+            m_endsEarly = m_endsEarly || row != last;
+        } else if (m_old[row + 1]->getWidth(0) == 2) {
+            // The wide character did not fit and wrapped early if it left an empty cell. A right
+            // half is empty too, but belongs to what is there.
+            const CharData end = line[m_oldCols - 1];
+            length -= end.isNull() && end.width != 0 ? 1 : 0;
         }
         m_lengths.push_back(length);
         m_offsets.push_back(offset);
@@ -127,18 +133,19 @@ void LineReflow::cutGroup(std::size_t first, std::size_t last)
     }
 
     // A row may be written as soon as no other needs what it held: narrower rows take their cells
-    // from above, wider ones from below.
+    // from above, wider ones from below. Where rows end early there is no such order.
+    const std::size_t reused = m_endsEarly ? 0 : std::min(had, m_cuts.size());
     const std::size_t begin = m_new.size();
     const std::size_t count = m_cuts.size();
     m_new.resize(begin + count);
     const auto place = [&](std::size_t index) {
-        auto& slot = m_new[begin + count - 1 - index];
-        if (index >= had) {
-            slot = takeRow(*m_old[first], first);
-            writeRow(*slot, first, index);
-        } else {
+        if (index < reused) {
             writeRow(*m_old[first + index], first, index);
+            return;
         }
+        auto& slot = m_new[begin + count - 1 - index];
+        slot = takeRow(*m_old[first], first);
+        writeRow(*slot, first, index);
     };
     if (m_newCols < m_oldCols) {
         for (std::size_t index = count; index-- > 0;)
@@ -147,9 +154,11 @@ void LineReflow::cutGroup(std::size_t first, std::size_t last)
         for (std::size_t index = 0; index < count; ++index)
             place(index);
     }
-    for (std::size_t index = 0; index < std::min(count, had); ++index)
+    if (reused == 0)
+        m_new[begin + count - 1]->m_isWrapped = m_old[first]->m_isWrapped;
+    for (std::size_t index = 0; index < reused; ++index)
         m_new[begin + count - 1 - index] = std::move(m_old[first + index]);
-    for (std::size_t row = count; row < had; ++row)
+    for (std::size_t row = reused; row < had; ++row)
         m_old[first + row].reset();
     moveExtras(begin, count);
 }
@@ -175,7 +184,8 @@ void LineReflow::writeRow(BufferLine& line, std::size_t first, std::size_t index
 {
     const Cut& cut = m_cuts[index];
     ++line.m_generation;
-    const bool isInPlace = index == 0 && m_newCols < m_oldCols && line.m_live >= cut.length;
+    const bool isInPlace = index == 0 && &line == m_old[first].get() &&
+                           m_lengths[0] >= cut.length && line.m_live >= cut.length;
     if (!isInPlace) {
         gather(first, cut);
         line.m_live = 0;
@@ -188,6 +198,7 @@ void LineReflow::writeRow(BufferLine& line, std::size_t first, std::size_t index
     }
     line.m_live = std::uint16_t(cut.length);
     line.m_blankBackground = {};
+    line.m_continuesEarly = false;
     if (index > 0)
         line.m_isWrapped = true;
     if (cut.length > 0) {

@@ -68,6 +68,7 @@ private:
     // Of the group that is worked on.
     std::vector<int> m_lengths;
     std::vector<int> m_offsets;
+    bool m_endsEarly = false;
     std::vector<Cut> m_cuts;
     std::vector<CharData> m_row;
     std::vector<std::pair<std::size_t, std::unique_ptr<Extra>>> m_extras;
