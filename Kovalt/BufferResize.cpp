@@ -39,7 +39,8 @@ void Buffer::resize(int newCols, int newRows)
     }
     m_rows = newRows;
     m_lines.setMaxLength(length);
-    x = std::clamp(x, 0, newCols - 1);
+    // A cursor that waits behind a full row goes on waiting if the row stays full.
+    x = std::clamp(x, 0, newCols < oldCols ? newCols - 1 : newCols);
     y = std::clamp(y, 0, newRows - 1);
     savedX = std::clamp(savedX, 0, newCols - 1);
     savedY = std::clamp(savedY, 0, newRows - 1);

@@ -57,8 +57,10 @@ void LineReflow::keepGroup(std::size_t first, std::size_t last)
             if (m_places[i].row != int(row))
                 continue;
             m_fromEnd[i] = int(m_new.size());
-            if (m_newCols < m_oldCols)
-                m_places[i].col = std::min(m_places[i].col, m_newCols - 1);
+            if (m_newCols < m_oldCols) {
+                const bool isFull = m_old[row] && m_old[row]->getTrimmedLength() == m_newCols;
+                m_places[i].col = std::min(m_places[i].col, m_newCols - (isFull ? 0 : 1));
+            }
         }
         if (m_old[row]) {
             m_old[row]->resize(m_newCols);
