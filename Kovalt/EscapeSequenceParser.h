@@ -3,6 +3,7 @@
 #include "Kovalt/ParserHandlers.h"
 #include "Kovalt/ParserState.h"
 #include "Kovalt/ParserString.h"
+#include "Kovalt/TransitionTable.h"
 
 #include <array>
 #include <cstddef>
@@ -44,56 +45,73 @@ public:
     /// being carried out still ends as it would have ended.
     void reset();
 
-    [[nodiscard]] ParserState currentState() const { return m_state; }
+    [[nodiscard]] ParserState currentState() const { return m_sequence.state; }
     [[nodiscard]] std::size_t stringLimit() const { return m_stringLimit; }
     void setStringLimit(std::size_t bytes) { m_stringLimit = bytes; }
 
 private:
     struct Run;
-    struct Snapshot;
 
-    void parseByte(Run& run);
     void parseText(Run& run);
+    void parseEscape(Run& run);
     void parseCsi(Run& run);
-    void beginEscape(Run& run);
+    void parseDcsData(Run& run);
+    void parseByte(Run& run);
+    void act(Run& run, std::uint8_t code, ParserAction action, ParserState next);
+    void finish(Run& run);
 
     void ignore(Run& run);
-    void error(Run& run, ParserState next);
-    void execute(Run& run);
-    void beginString(Run& run, ParserState next);
-    void putString(Run& run);
-    void endString(Run& run);
-    void dispatchOsc();
-    void dispatchApc();
+    void execute(Run& run, std::uint8_t code);
+    void error(Run& run, std::uint8_t code, ParserState next);
     void addParameterByte(std::uint8_t code);
     void collect(std::uint8_t code);
     void dispatchCsi(std::uint8_t code);
     void dispatchEsc(std::uint8_t code);
+
+    void beginString(Run& run, ParserState next);
+    void putString(Run& run);
+    void endString(Run& run, std::uint8_t code);
+    void dispatchOsc() const;
+    void dispatchApc() const;
+    [[nodiscard]] bool continuesCharacter(const Run& run) const;
+
     void hookDcs(std::uint8_t code);
     void putDcs(Run& run);
-    void unhookDcs(Run& run);
+    void unhookDcs(Run& run, std::uint8_t code);
 
     void flushPrint(Run& run);
     void clear(Run& run);
+    void endSequence(Run& run, std::uint8_t code);
     void clearSequence();
-    [[nodiscard]] bool goesOnWithACharacter(const Run& run) const;
-    [[nodiscard]] Snapshot snapshot() const;
-    void restore(const Snapshot& snapshot);
+
+    [[nodiscard]] std::span<const std::int32_t> parameters() const
+    {
+        return {m_sequence.parameters.data(), m_sequence.parameterCount};
+    }
+    [[nodiscard]] std::span<const std::uint8_t> collected() const
+    {
+        return {m_sequence.collect.data(), m_sequence.collectCount};
+    }
+
+    /// What a call that is aborted takes back, but for the strings.
+    struct Sequence {
+        ParserState state = ParserState::Ground;
+        bool parameterLimitExceeded = false;
+        bool collectLimitExceeded = false;
+        std::uint8_t parameterCount = 1; ///< Never 0.
+        std::uint8_t collectCount = 0;
+        std::array<std::int32_t, MaximumParameters> parameters{};
+        std::array<std::uint8_t, MaximumParameters> separators{};
+        std::array<std::uint8_t, MaximumCollected> collect{};
+        DcsHandler* dcsHandler = nullptr;
+        std::size_t dcsSize = 0;
+    };
 
     ParserHandlers& m_handlers;
-    DcsHandler* m_dcsHandler = nullptr;
-    std::size_t m_dcsSize = 0;
+    const TransitionTable& m_table;
     std::size_t m_stringLimit = DefaultStringLimit;
-
-    ParserState m_state = ParserState::Ground;
-    bool m_parameterLimitExceeded = false;
-    bool m_collectLimitExceeded = false;
     bool m_parsing = false;
-    std::uint8_t m_parameterCount = 1;
-    std::uint8_t m_collectCount = 0;
-    std::array<std::int32_t, MaximumParameters> m_parameters{};
-    std::array<std::uint8_t, MaximumParameters> m_separators{};
-    std::array<std::uint8_t, MaximumCollected> m_collect{};
+    Sequence m_sequence;
     ParserString m_osc;
     ParserString m_apc;
 };
