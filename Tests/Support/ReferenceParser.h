@@ -99,10 +99,6 @@ public:
     explicit ReferenceParser(ParserHandlers& handlers)
         : m_handlers(handlers)
     {
-        for (int state = 0; state < 15; ++state) {
-            for (int code = 0; code <= 0xA0; ++code)
-                m_entries.push_back(referenceEntry(static_cast<ParserState>(state), code));
-        }
     }
 
     void parse(std::span<const std::uint8_t> data)
@@ -124,8 +120,8 @@ public:
                 continue;
             }
             inString = false;
-            const auto entry = m_entries[static_cast<std::size_t>(m_state * 0xA1) +
-                                         std::min<std::size_t>(code, 0xA0)];
+            const auto& entry = entries()[static_cast<std::size_t>(m_state * 0xA1) +
+                                          std::min<std::size_t>(code, 0xA0)];
             inString = entry.action == "put";
             act(entry.action, entry.next, code);
         }
@@ -136,6 +132,19 @@ public:
     }
 
 private:
+    static const std::vector<ReferenceEntry>& entries()
+    {
+        static const auto all = [] {
+            std::vector<ReferenceEntry> result;
+            for (int state = 0; state < 15; ++state) {
+                for (int code = 0; code <= 0xA0; ++code)
+                    result.push_back(referenceEntry(static_cast<ParserState>(state), code));
+            }
+            return result;
+        }();
+        return all;
+    }
+
     void act(const std::string& action, int next, std::uint8_t code)
     {
         if (action == "ignore") {
@@ -293,7 +302,6 @@ private:
     }
 
     ParserHandlers& m_handlers;
-    std::vector<ReferenceEntry> m_entries;
     std::span<const std::uint8_t> m_data;
     std::size_t m_at = 0;
     std::ptrdiff_t m_print = -1;
