@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace Kovalt::Utf8 {
+
+inline constexpr char32_t Replacement = 0xFFFD;
+
+/// Appends the scalar; what is not one is appended as U+FFFD.
+void append(std::string& text, char32_t scalar);
+[[nodiscard]] std::string encode(char32_t scalar);
+
+/// The scalar at `position`, which moves behind it. Malformed bytes read as U+FFFD, one byte each.
+/// `position` must be inside the text.
+[[nodiscard]] char32_t next(std::string_view text, std::size_t& position);
+/// The whole text as scalars.
+[[nodiscard]] std::u32string decode(std::string_view text);
+
+} // namespace Kovalt::Utf8
