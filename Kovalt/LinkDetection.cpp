@@ -22,13 +22,16 @@ constexpr char Pattern[] =
     R"(|(?=[\w\-.~:\/?#@!$&*+;=%]*\.)(?<!\w)[\w][\w\-.]*\/[\w\-.~:\/?#@!$&*+;=%]+(?:(?<!:) (?!\w+:\/\/)[\w\-.~:\/?#@!$&*+;=%]*[\/.])*(?<!:)(?: +(?= *$))?)";
 
 /// Steps back that one search for a match may take, and the memory for them.
-constexpr std::uint32_t MatchLimit = 200'000;
+constexpr std::uint32_t MatchLimit = 100'000;
 constexpr std::uint32_t HeapLimitKilobytes = 8 << 10;
+constexpr std::size_t FirstStack = 32 << 10;
+constexpr std::size_t LargestStack = 1 << 20;
 
 struct Release {
     void operator()(pcre2_code* code) const { pcre2_code_free(code); }
     void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
     void operator()(pcre2_match_context* context) const { pcre2_match_context_free(context); }
+    void operator()(pcre2_jit_stack* stack) const { pcre2_jit_stack_free(stack); }
 };
 
 /// Made once; null would mean that the library can't read the pattern.
@@ -37,9 +40,13 @@ const pcre2_code* compiledPattern()
     static const std::unique_ptr<pcre2_code, Release> code = [] {
         int error = 0;
         PCRE2_SIZE place = 0;
-        return std::unique_ptr<pcre2_code, Release>(pcre2_compile(
+        std::unique_ptr<pcre2_code, Release> compiled(pcre2_compile(
             reinterpret_cast<PCRE2_SPTR>(Pattern), sizeof Pattern - 1,
             PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF, &error, &place, nullptr));
+        // Where machine code may not be made, the library interprets the pattern.
+        if (compiled)
+            pcre2_jit_compile(compiled.get(), PCRE2_JIT_COMPLETE);
+        return compiled;
     }();
     return code.get();
 }
@@ -50,11 +57,13 @@ public:
         : m_text(text)
         , m_data(pcre2_match_data_create(1, nullptr))
         , m_context(pcre2_match_context_create(nullptr))
+        , m_stack(pcre2_jit_stack_create(FirstStack, LargestStack, nullptr))
     {
         if (!m_context)
             return;
         pcre2_set_match_limit(m_context.get(), MatchLimit);
         pcre2_set_heap_limit(m_context.get(), HeapLimitKilobytes);
+        pcre2_jit_stack_assign(m_context.get(), nullptr, m_stack.get());
     }
 
     /// The next link; none at the end, or when looking for it took too much.
@@ -78,6 +87,7 @@ private:
     std::string_view m_text;
     std::unique_ptr<pcre2_match_data, Release> m_data;
     std::unique_ptr<pcre2_match_context, Release> m_context;
+    std::unique_ptr<pcre2_jit_stack, Release> m_stack;
     std::size_t m_at = 0;
 };
 

@@ -11,7 +11,7 @@ namespace Kovalt {
 namespace LinkDetection {
 
 /// Longer texts are not searched: the caller hands over the part that matters.
-inline constexpr std::size_t LongestText = 16 << 10;
+inline constexpr std::size_t LongestText = 4 << 10;
 
 /// Bytes `begin` up to but without `end` of the text.
 struct Match {
