@@ -37,9 +37,9 @@ void findOnScreen(FuzzedDataProvider& input)
 {
     Silence silence;
     TerminalOptions options;
-    options.cols = input.ConsumeIntegralInRange(2, 40);
-    options.rows = input.ConsumeIntegralInRange(1, 8);
-    options.scrollback = 10;
+    options.cols = input.ConsumeIntegralInRange(2, 20);
+    options.rows = input.ConsumeIntegralInRange(1, 4);
+    options.scrollback = 4;
     Terminal terminal(&silence, options);
     terminal.setSilentLog(true);
     terminal.feed(input.ConsumeRemainingBytesAsString());

@@ -24,16 +24,18 @@ void require(bool condition)
         std::abort();
 }
 
-/// Every report is a sequence without a control in it.
+/// Every report is a sequence in one of the two forms, without a control inside.
 class Checker final : public TerminalDelegate {
 public:
-    void send(Terminal&, std::span<const std::uint8_t> data) override
+    void send(Terminal& source, std::span<const std::uint8_t> data) override
     {
+        const bool isShort = source.modes().controlForm == ControlForm::EightBit;
         auto bytes = Ascii::view(data);
-        require(bytes.starts_with('\x1b'));
+        const std::string_view end = isShort ? "\x9c" : "\x1b\\";
+        require(isShort ? data[0] >= 0x90 && data[0] <= 0x9D : data[0] == 0x1B);
         bytes.remove_prefix(1);
-        if (bytes.ends_with("\x1b\\"))
-            bytes.remove_suffix(2);
+        if (bytes.ends_with(end))
+            bytes.remove_suffix(end.size());
         for (const char c : bytes)
             require(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
     }
