@@ -1,0 +1,1 @@
+#include "Tests/Kovalt/ReplyForms.h"
