@@ -4,6 +4,7 @@
 #include "Kovalt/Position.h"
 #include "Kovalt/SemanticState.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -88,7 +89,12 @@ public:
     [[nodiscard]] CircularBufferLineList& lines() { return m_lines; }
     [[nodiscard]] const CircularBufferLineList& lines() const { return m_lines; }
     /// A row of the screen; out of range the nearest.
-    [[nodiscard]] BufferLine& screenLine(int row);
+    [[nodiscard]] BufferLine& screenLine(int row)
+    {
+        if (yBase < 0 || m_lines.count() < yBase + m_rows) [[unlikely]]
+            ensureScreen();
+        return m_lines[yBase + std::clamp(row, 0, m_rows - 1)];
+    }
     /// The row of the cursor.
     [[nodiscard]] BufferLine& cursorLine() { return screenLine(y); }
 

@@ -3,6 +3,8 @@
 #include "Kovalt/Buffer.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -13,43 +15,55 @@ namespace Kovalt {
 
 namespace {
 
-/// Writes one cell a byte, all alike but for their code. Cells are 24 bytes, so two of them are
-/// three wide stores.
-void writeRun(CharData* cells, const char* text, std::size_t count, const CharData& pattern)
+static_assert(sizeof(CharData) == 3 * sizeof(std::uint64_t) && offsetof(CharData, code) == 0 &&
+              offsetof(CharData, payload) == 4 && offsetof(CharData, width) == 6 &&
+              offsetof(CharData, semantic) == 7 && offsetof(CharData, attribute) == 8);
+static_assert(std::endian::native == std::endian::little);
+
+/// A cell as three words, its code still 0. It is put together in registers: written to memory
+/// byte by byte, it could not be read back as words without a stall.
+struct CellWords {
+    CellWords(const Attribute& attribute, std::uint16_t payload, SemanticCode semantic)
+        : first(std::uint64_t(payload) << 32 | std::uint64_t(1) << 48 |
+                std::uint64_t(semantic) << 56)
+    {
+        std::memcpy(&second, &attribute, sizeof(second));
+        std::memcpy(&third, reinterpret_cast<const char*>(&attribute) + sizeof(second),
+                    sizeof(third));
+    }
+
+    std::uint64_t first;
+    std::uint64_t second;
+    std::uint64_t third;
+};
+
+/// Writes one cell a byte, all alike but for their code.
+void writeRun(CharData* cells, const char* text, std::size_t count, const CellWords& pattern)
 {
     std::size_t i = 0;
 #if defined(__SSE2__)
-    static_assert(offsetof(CharData, code) == 0);
-    std::uint64_t words[3];
-    std::memcpy(words, &pattern, sizeof(words));
-    const auto high = std::int64_t(words[0] & 0xFFFFFFFF00000000u);
-    const __m128i first = _mm_set_epi64x(std::int64_t(words[1]), high);
-    const __m128i middle = _mm_set_epi64x(high, std::int64_t(words[2]));
-    const __m128i last = _mm_set_epi64x(std::int64_t(words[2]), std::int64_t(words[1]));
+    // Two cells are three wide stores.
+    const auto word = [](std::uint64_t value) { return std::int64_t(value); };
+    const __m128i head = _mm_set_epi64x(word(pattern.second), word(pattern.first));
+    const __m128i middle = _mm_set_epi64x(word(pattern.first), word(pattern.third));
+    const __m128i tail = _mm_set_epi64x(word(pattern.third), word(pattern.second));
     for (; i + 2 <= count; i += 2) {
         const auto left = _mm_cvtsi32_si128(static_cast<unsigned char>(text[i]));
         const auto right = _mm_cvtsi32_si128(static_cast<unsigned char>(text[i + 1]));
         auto* const to = reinterpret_cast<__m128i*>(cells + i);
-        _mm_storeu_si128(to, _mm_or_si128(first, left));
+        _mm_storeu_si128(to, _mm_or_si128(head, left));
         _mm_storeu_si128(to + 1, _mm_or_si128(middle, _mm_slli_si128(right, 8)));
-        _mm_storeu_si128(to + 2, last);
+        _mm_storeu_si128(to + 2, tail);
     }
 #endif
     for (; i < count; ++i) {
-        CharData cell = pattern;
-        cell.code = static_cast<unsigned char>(text[i]);
-        cells[i] = cell;
+        CellWords cell = pattern;
+        cell.first |= static_cast<unsigned char>(text[i]);
+        std::memcpy(static_cast<void*>(cells + i), &cell, sizeof(cell));
     }
 }
 
 } // namespace
-
-BufferLine& Buffer::screenLine(int row)
-{
-    if (m_lines.count() < yBase + m_rows || yBase < 0) [[unlikely]]
-        ensureScreen();
-    return m_lines[yBase + std::clamp(row, 0, m_rows - 1)];
-}
 
 int Buffer::rightLimit() const
 {
@@ -104,16 +118,18 @@ void Buffer::insertCharacter(const CharData& character)
     BufferLine& line = screenLine(y);
     if (insertMode)
         line.insertCells(x, width, limit, CharData{});
-    CharData cell = character;
-    cell.width = std::int8_t(width);
-    cell.payload = host().resolvePayload();
-    cell.semantic = semantic.content;
+    const std::uint16_t payload = host().resolvePayload();
     CharData* const to = line.overwrite(x, width);
-    to[0] = cell;
+    for (int i = 0; i < width; ++i) {
+        // As a block: field by field, the compiler takes the cell apart into its bytes.
+        std::memcpy(to + i, &character, sizeof(CharData));
+        to[i].width = std::int8_t(width);
+        to[i].payload = payload;
+        to[i].semantic = semantic.content;
+    }
     if (width == 2) {
-        cell.code = 0;
-        cell.width = 0;
-        to[1] = cell;
+        to[1].code = 0;
+        to[1].width = 0;
     }
     x += width;
 }
@@ -122,10 +138,7 @@ std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attri
 {
     if (insertMode || text.empty())
         return 0;
-    CharData pattern;
-    pattern.payload = host().resolvePayload();
-    pattern.semantic = semantic.content;
-    pattern.attribute = attribute;
+    const CellWords pattern(attribute, host().resolvePayload(), semantic.content);
     x = std::clamp(x, 0, m_cols);
     y = std::clamp(y, 0, m_rows - 1);
     const int limit = rightLimit();

@@ -11,12 +11,18 @@ namespace Kovalt {
 
 namespace {
 
+bool hasOnlyBackground(const Attribute& attribute)
+{
+    return attribute.style == CharacterStyle::None &&
+           attribute.underlineStyle == UnderlineStyle::None && attribute.fg == CellColor{} &&
+           attribute.underlineColor == CellColor::none();
+}
+
 /// Whether the cell is an erased one that has nothing but a background.
 bool isBlank(const CharData& cell)
 {
-    Attribute looks;
-    looks.bg = cell.attribute.bg;
-    return cell == CharData::null(looks);
+    return cell.code == 0 && cell.width == 1 && cell.payload == 0 &&
+           cell.semantic == SemanticCode::None && hasOnlyBackground(cell.attribute);
 }
 
 CharData* allocateCells(int count)
@@ -224,16 +230,16 @@ void BufferLine::clear(const Attribute& attribute)
 {
     m_generation += 2;
     ++m_recycleGeneration;
-    const CharData cell = CharData::null(attribute);
     m_live = 0;
     m_continuesEarly = false;
     m_blankBackground = attribute.bg;
-    if (!isBlank(cell)) {
+    if (!hasOnlyBackground(attribute)) {
         reserve(m_size);
-        std::fill(m_cells, m_cells + m_size, cell);
+        std::fill(m_cells, m_cells + m_size, CharData::null(attribute));
         m_live = m_size;
     }
-    removeImages();
+    if (m_extra)
+        removeImages();
 }
 
 void BufferLine::fill(const CharData& cell)

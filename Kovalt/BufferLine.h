@@ -83,6 +83,16 @@ public:
     /// Makes it an empty row of these looks, another row than before: images go, marks, wrapping
     /// and settings stay.
     void clear(const Attribute& attribute);
+    /// Makes it a new row, without anything of the old one, for the ring's newest.
+    void recycle(const Attribute& attribute)
+    {
+        if (m_extra) [[unlikely]]
+            m_extra.reset();
+        clear(attribute);
+        ++m_generation;
+        m_isWrapped = false;
+        m_renderMode = RenderLineMode::Single;
+    }
     void fill(const CharData& cell);
     void fill(const CharData& cell, int column, int length);
     /// Columns `start` up to but without `end`.
@@ -144,6 +154,8 @@ public:
     void attach(std::shared_ptr<TerminalImage> image);
     void removeImages();
 
+    /// Has the processor fetch the first cells, for a row that is written soon.
+    void prefetch() const { __builtin_prefetch(m_cells, 1); }
     /// Bytes of memory, this object included.
     [[nodiscard]] std::size_t memory() const;
 

@@ -11,9 +11,7 @@ void Buffer::beginRow(BufferLine& line, const Attribute& fill, bool isWrapped,
 {
     if (line.hasImages())
         --m_linesWithImagesCount;
-    line.clear(fill);
-    line.destroySemanticState();
-    line.setRenderMode(RenderLineMode::Single);
+    line.recycle(fill);
     line.setWrapped(isWrapped);
     line.setBidiState(bidi);
 }

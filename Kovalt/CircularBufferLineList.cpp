@@ -62,15 +62,14 @@ BufferLine& CircularBufferLineList::recycle(const Attribute& clearAttribute)
     auto& slot = m_lines.recycle();
     if (!slot)
         slot = m_owner.makeEmpty();
-    // The next one to be recycled has not been looked at for a whole history.
+    // The rows that come next have not been looked at for a whole history: have the first's cells
+    // fetched, and the second's head so that its cells can be next time.
     if (const BufferLine* const next = m_lines[0].get())
-        __builtin_prefetch(next);
+        next->prefetch();
+    if (count() > 1)
+        __builtin_prefetch(m_lines[1].get(), 1);
     const bool hadImages = slot->hasImages();
-    slot->clear(clearAttribute);
-    slot->destroySemanticState();
-    slot->setWrapped(false);
-    slot->setRenderMode(RenderLineMode::Single);
-    slot->touch();
+    slot->recycle(clearAttribute);
     m_owner.lineRecycled(hadImages);
     return *slot;
 }
