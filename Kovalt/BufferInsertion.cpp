@@ -59,7 +59,7 @@ void writeRun(CharData* cells, const char* text, std::size_t count, const CellWo
     for (; i < count; ++i) {
         CellWords cell = pattern;
         cell.first |= static_cast<unsigned char>(text[i]);
-        std::memcpy(cells + i, &cell, sizeof(cell));
+        std::memcpy(static_cast<void*>(cells + i), &cell, sizeof(cell));
     }
 }
 
