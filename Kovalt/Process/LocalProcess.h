@@ -29,13 +29,13 @@ public:
 
 /// A program to run and what it runs with.
 struct ProcessStart {
-    std::string executable; ///< A path; nothing is searched.
-    std::vector<std::string> arguments;
+    std::string executable = {}; ///< A path; nothing is searched.
+    std::vector<std::string> arguments = {};
     /// Lines "NAME=value"; `getEnvironmentVariables()` if none.
-    std::optional<std::vector<std::string>> environment;
+    std::optional<std::vector<std::string>> environment = {};
     /// The name that the program gets as its first argument; its path if none.
-    std::optional<std::string> execName;
-    std::optional<std::string> currentDirectory;
+    std::optional<std::string> execName = {};
+    std::optional<std::string> currentDirectory = {};
 };
 
 /// Runs one program at a time on a pseudo-terminal and moves the bytes both ways. A flood of output

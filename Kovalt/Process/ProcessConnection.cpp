@@ -142,6 +142,8 @@ void ProcessConnection::reportExitIfDelivered()
         return;
     m_exitPosition.reset();
     const auto status = reap();
+    if (m_endTold && !m_closed)
+        m_master.reset();
     if (m_owner != nullptr && !m_closed)
         m_owner->connectionExited(status);
 }

@@ -98,7 +98,8 @@ private:
     WakeSignal m_wake;
     PendingData m_pending;
     OutgoingData m_outgoing;
-    /// Closed by the thread after `close`, by the loop after the end, and so never while in use.
+    /// Closed by the thread after `close`, or else by the loop when it told both the terminal's end
+    /// and the child's; and so never while in use.
     FileDescriptor m_master;
     FileDescriptor m_childWatch; ///< Readable when the child has ended.
 
@@ -123,6 +124,7 @@ private:
     // Of the loop's thread.
     Owner* m_owner;
     int m_descriptor;
+    bool m_endTold = false;
     std::uint64_t m_delivered = 0;
     std::optional<std::uint64_t> m_exitPosition;
 };

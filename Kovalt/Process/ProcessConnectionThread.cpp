@@ -35,7 +35,7 @@ void ProcessConnection::serve()
     m_readBuffer.resize(ReadSize);
     while (!m_closed || !m_exitSeen) {
         const auto events = wait();
-        if (m_closed && !m_ended) {
+        if (m_closed) {
             m_ended = true;
             m_master.reset();
         }
@@ -137,14 +137,13 @@ void ProcessConnection::receiveSynchronously(PendingData::Chunk chunk)
 
 void ProcessConnection::reportEnd()
 {
-    const auto posted = post([self = shared_from_this()] {
+    post([self = shared_from_this()] {
+        // The terminal stays open: closing it would hang up a child that merely closed its side.
+        self->m_endTold = true;
         self->m_descriptor = -1;
-        self->m_master.reset();
         if (self->m_owner != nullptr && !self->m_closed)
             self->m_owner->connectionEnded();
     });
-    if (!posted)
-        m_master.reset();
 }
 
 /// Without a descriptor that tells of a child's end, a thread waits for it.
