@@ -135,6 +135,8 @@ public:
     /// Prints one character of 1 or 2 columns at the cursor: code, width and attribute are taken
     /// from the cell, link and shell mark from host and `semantic`.
     void insertCharacter(const CharData& character);
+    /// The same with a link that is known already.
+    void insertCharacter(const CharData& character, std::uint16_t payload);
     /// Prints bytes 0x20 to 0x7E, of which it takes all but in insert mode, where it takes none.
     /// Returns how many were taken.
     [[nodiscard]] std::size_t insertAsciiRun(std::string_view text, const Attribute& attribute);

@@ -96,6 +96,11 @@ void Buffer::wrapLine()
 
 void Buffer::insertCharacter(const CharData& character)
 {
+    insertCharacter(character, host().resolvePayload());
+}
+
+void Buffer::insertCharacter(const CharData& character, std::uint16_t payload)
+{
     const int width = character.width == 2 ? 2 : 1;
     const int limit = rightLimit();
     x = std::clamp(x, 0, m_cols);
@@ -118,7 +123,6 @@ void Buffer::insertCharacter(const CharData& character)
     BufferLine& line = screenLine(y);
     if (insertMode)
         line.insertCells(x, width, limit, CharData{});
-    const std::uint16_t payload = host().resolvePayload();
     CharData* const to = line.overwrite(x, width);
     for (int i = 0; i < width; ++i) {
         // As a block: field by field, the compiler takes the cell apart into its bytes.

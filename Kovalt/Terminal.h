@@ -9,7 +9,9 @@
 #include "Kovalt/TerminalDelegate.h"
 #include "Kovalt/TerminalOptions.h"
 #include "Kovalt/TerminalState.h"
+#include "Kovalt/TinyAtom.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -59,7 +61,7 @@ public:
 
     // Input and size.
 
-    void feed(std::span<const std::uint8_t> bytes) noexcept { m_parser.parse(bytes); }
+    void feed(std::span<const std::uint8_t> bytes) noexcept;
     void feed(std::string_view utf8) noexcept;
     /// At least 2 columns and 1 row. The same size does nothing.
     void resize(int cols, int rows);
@@ -132,7 +134,18 @@ public:
     [[nodiscard]] std::optional<RowRange> getScrollInvariantUpdateRange() const;
     void clearUpdateRange();
     /// Marks a row of the screen. While scrolling, only what is painted where changes.
-    void updateRange(int row, bool scrolling = false);
+    void updateRange(int row, bool scrolling = false)
+    {
+        if (row < 0)
+            return;
+        m_refresh.start = std::min(m_refresh.start, row);
+        m_refresh.end = std::max(m_refresh.end, row);
+        if (scrolling)
+            return;
+        const std::int64_t invariant = m_buffer->linesTop + m_buffer->yBase + row;
+        m_refresh.scrollInvariantStart = std::min(m_refresh.scrollInvariantStart, invariant);
+        m_refresh.scrollInvariantEnd = std::max(m_refresh.scrollInvariantEnd, invariant);
+    }
     void updateFullScreen();
     /// Marks the rows from one to another.
     void refresh(int startRow, int endRow);
@@ -190,6 +203,18 @@ private:
     void scroll(bool isWrapped) override;
     [[nodiscard]] std::uint16_t resolvePayload() override;
 
+    // Dispatch: Sequences/Dispatch.cpp
+    void dispatchPlainEsc(std::uint8_t code);
+    [[nodiscard]] bool setLineLooks(std::uint8_t code);
+    void dispatchRareCsi(const CsiSequence& sequence);
+    [[nodiscard]] bool dispatchMarkedCsi(const CsiSequence& sequence);
+    [[nodiscard]] bool dispatchRequests(const CsiSequence& sequence, unsigned marks);
+    [[nodiscard]] bool dispatchSaves(const CsiSequence& sequence, unsigned marks);
+    [[nodiscard]] bool dispatchAreas(const CsiSequence& sequence, unsigned marks);
+    [[nodiscard]] bool tellUnimplemented(const CsiSequence& sequence, unsigned marks) const;
+    void unknownCsi(const CsiSequence& sequence) const;
+    void unknownEsc(std::span<const std::uint8_t> collect, std::uint8_t code) const;
+
     // Life: Terminal.cpp
     enum class SetupKind : std::uint8_t { First, Reset };
     void setup(SetupKind kind);
@@ -197,6 +222,7 @@ private:
     void setInsertMode(bool on);
     void setWraparound(bool on);
     void setCursorHidden(bool hidden);
+    void setCursorStyle(CursorStyle style);
     void setReverseColors(bool on);
     void setMouseMode(MouseMode mode);
     void activateNormalBuffer(bool clearAlt);
@@ -204,27 +230,38 @@ private:
     void noteBufferSwitch();
     [[nodiscard]] KeyboardModeState& activeKeyboardMode();
 
+    void updateRows(int first, int last);
+
     /// Prints "Info: " and the parts unless the log is silent.
     void log(std::initializer_list<std::string_view> parts) const;
     [[nodiscard]] static std::string describe(std::span<const std::int32_t> parameters);
     [[nodiscard]] static std::string describe(std::span<const std::uint8_t> bytes);
 
     // Text: TerminalText.cpp
-    void printText(std::string_view text, std::uint16_t payload);
-    [[nodiscard]] std::string_view printHeld(std::string_view text, std::uint16_t payload);
-    void printMapped(std::string_view text, std::uint16_t payload);
-    void printScalar(char32_t scalar, std::uint16_t payload);
-    void printCell(std::int32_t code, int width, std::uint16_t payload);
+    void printMixed(std::string_view text);
+    [[nodiscard]] std::string_view printHeld(std::string_view text);
+    [[nodiscard]] std::size_t printAscii(std::string_view text);
+    void printScalar(char32_t scalar);
+    void printCell(std::int32_t code, int width);
     [[nodiscard]] bool joinToPreceding(char32_t scalar, int width);
-    void widenPreceding(BufferLine& line, int column);
+    void selectPresentation(BufferLine& line, int column, char32_t selector);
+    void setPrecedingWidth(BufferLine& line, int column, int width);
+    [[nodiscard]] int precedingColumn(const BufferLine& line) const;
     void cmdRepeatPrecedingCharacter(const CsiSequence& sequence);
 
     // Cursor: Sequences/Cursor.cpp
+    [[nodiscard]] int leftMargin() const { return m_modes.marginMode ? m_buffer->marginLeft : 0; }
+    [[nodiscard]] int rightMargin() const
+    {
+        return m_modes.marginMode ? m_buffer->marginRight : m_cols - 1;
+    }
+    void moveToRow(int row);
     void restrictCursor(bool allowPastEnd = false);
     void setCursor(int col, int row);
     void cmdBackspace();
     void cmdCarriageReturn();
     void cmdLineFeedBasic();
+    void advanceLine();
     void cmdIndex();
     void cmdNextLine();
     void reverseIndex();
@@ -242,9 +279,12 @@ private:
     void cmdEraseCells(int n);
     void cmdInsertLines(int n);
     void cmdDeleteLines(int n);
-    void cmdEraseInDisplay(const CsiSequence& sequence, bool selective);
-    void cmdEraseInLine(const CsiSequence& sequence, bool selective);
+    void cmdEraseInDisplay(int what);
+    void cmdEraseInLine(int what);
+    /// Makes the row of the screen an empty one.
     void resetBufferLine(int row, bool clearImages);
+    /// An erased cell: nothing but the current background.
+    [[nodiscard]] CharData erasedCell() const;
     void cmdScreenAlignmentPattern();
 
     // Scrolling: Sequences/Scrolling.cpp
@@ -255,7 +295,12 @@ private:
     void columnScroll(bool back, int column, int n);
     void columnIndex(bool back);
     void hardenBidiScrollBoundaries(int top, int bottom);
+    /// Whether it stands between the left and the right margin, if there are any.
     [[nodiscard]] bool isCursorInMargins() const;
+    [[nodiscard]] bool isCursorInScrollRegion() const;
+    [[nodiscard]] bool hasNarrowMargins() const;
+    void moveColumns(int top, int bottom, int n);
+    void noteInPlaceScroll(int top, int bottom, int lines);
 
     // Margins: Sequences/Margins.cpp
     void cmdSetScrollRegion(const CsiSequence& sequence);
@@ -273,6 +318,7 @@ private:
     [[nodiscard]] std::optional<Rectangle>
     getRectangleFromRequest(std::span<const std::int32_t> parameters) const;
     void csiCopyRectangularArea(const CsiSequence& sequence);
+    void fillRectangle(const Rectangle& area, const CharData& cell);
     void cmdFillRectangle(const CsiSequence& sequence);
     void cmdEraseRectangle(const CsiSequence& sequence);
     void cmdSelectiveEraseRectangularArea(const CsiSequence& sequence);
@@ -281,6 +327,10 @@ private:
     void cmdSetMode(const CsiSequence& sequence, bool on);
     void setAnsiMode(int mode, bool on);
     void setPrivateMode(int mode, bool on);
+    [[nodiscard]] bool setMouseModes(int mode, bool on);
+    [[nodiscard]] bool setScreenMode(int mode, bool on);
+    bool setBidiMode(int mode, bool on);
+    void unknownPrivateMode(int mode, bool on) const;
     void setColumnMode(bool wide);
     void setSynchronizedOutput(bool on);
     void cmdSavePrivateModes(const CsiSequence& sequence);
@@ -322,6 +372,8 @@ private:
 
     // Operating-system commands: Sequences/OperatingSystemCommands*.cpp
     void dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data);
+    /// The start values of `m_colors`, from the options.
+    void setupColors();
     void resetAllColors();
     /// The code for the open link, stored if need be; 0 without one.
     [[nodiscard]] std::uint16_t resolveActiveHyperlink();
@@ -358,6 +410,7 @@ private:
         std::size_t heldCount = 0;
         std::int32_t lastCode = 0; ///< 0 if nothing can be repeated.
         int lastWidth = 1;
+        std::uint16_t payload = 0; ///< The link of the text that is being printed.
     };
     PrintState m_print;
 

@@ -5,6 +5,7 @@
 namespace Kovalt {
 
 void Terminal::dispatchOsc(std::int64_t, std::span<const std::uint8_t>) {}
+void Terminal::setupColors() {}
 void Terminal::resetAllColors() {}
 std::uint16_t Terminal::resolveActiveHyperlink()
 {
