@@ -41,11 +41,16 @@ namespace Colors {
 
 /// The given colours, a cube of 6 by 6 by 6 and 24 greys.
 [[nodiscard]] Palette generateXtermPalette(const BaseColors& initialColors);
-/// The same shape, interpolated in CIELAB between the theme's own colours.
+/// The same shape, interpolated in CIELAB between the theme's own colours: the cube's corners are
+/// the background, base colours 1 to 6 and the foreground, and the greys lie between the first and
+/// the last. So that programs find dark colours at low indices, the darker of background and
+/// foreground is the first corner, unless `harmonious` keeps to the theme even if that is light.
 [[nodiscard]] Palette generateBase16LabPalette(const BaseColors& initialColors, Color background,
                                                Color foreground, bool harmonious);
 
-/// "#" with 3, 6, 9 or 12 hexadecimal digits, or "rgb:" with three groups of 1 to 4; none for
+/// "#" with 3, 6, 9 or 12 hexadecimal digits, or "rgb:" with three groups of 1 to 4, which the
+/// longest of them scales. Also, with decimal numbers, "rgbi:" (intensities), "CIEXYZ:", "CIExyY:",
+/// "CIEuvY:", "CIELab:", "CIELuv:" and "TekHVC:"; what a screen can't show is cut off. None for
 /// anything else.
 [[nodiscard]] std::optional<Color> parseColor(std::string_view text);
 /// "rgb:rrrr/gggg/bbbb".

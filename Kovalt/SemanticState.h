@@ -27,6 +27,8 @@ struct SemanticState {
     SemanticInputState input = SemanticInputState::Idle;
     SemanticPromptClickMode clickMode = SemanticPromptClickMode::None;
     bool usesSpecialCursorKeys = false;
+    /// The input ends with its line, since the shell won't say so.
+    bool inputEndsWithLine = false;
     /// Where the open prompt began: the row's index in the ring plus `Buffer::linesTop`.
     std::optional<std::int64_t> promptStartRow;
     std::uint64_t groupCounter = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kovalt/Color.h"
+#include "Kovalt/ProgressReport.h"
 #include "Kovalt/TerminalOptions.h"
 #include "Kovalt/WindowCommand.h"
 
@@ -16,16 +17,6 @@
 namespace Kovalt {
 
 class Terminal;
-
-enum class ProgressReportState : std::uint8_t { Remove, Set, Error, Indeterminate, Pause };
-
-/// How far a program says that it has come.
-struct ProgressReport {
-    ProgressReportState state = ProgressReportState::Remove;
-    std::optional<std::uint8_t> progress; ///< Per cent, at most 100.
-
-    bool operator==(const ProgressReport&) const = default;
-};
 
 /// Whom a terminal tells what happened and asks what it can't know. Called on the thread that
 /// drives the terminal, mostly while it is fed. Views end with the call. None of these may throw,

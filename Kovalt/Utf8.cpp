@@ -79,6 +79,17 @@ char32_t Utf8::next(std::string_view text, std::size_t& position)
     return scalar;
 }
 
+bool Utf8::isValid(std::string_view text)
+{
+    constexpr std::size_t ReplacementLength = 3;
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t start = position;
+        if (next(text, position) == Replacement && position - start != ReplacementLength)
+            return false;
+    }
+    return true;
+}
+
 std::u32string Utf8::decode(std::string_view text)
 {
     std::u32string scalars;

@@ -15,6 +15,8 @@ void append(std::string& text, char32_t scalar);
 /// The scalar at `position`, which moves behind it. Malformed bytes read as U+FFFD, one byte each.
 /// `position` must be inside the text.
 [[nodiscard]] char32_t next(std::string_view text, std::size_t& position);
+/// Whether nothing in the text is malformed.
+[[nodiscard]] bool isValid(std::string_view text);
 /// The whole text as scalars.
 [[nodiscard]] std::u32string decode(std::string_view text);
 
