@@ -72,41 +72,48 @@ public:
         : m_buffer(buffer)
         , m_graphemes(graphemes)
     {
-        constexpr std::size_t Most = LinkDetection::LongestText / 2;
-        // Backwards first, so that the text before the cell has no more than its half.
-        std::size_t size = 0;
-        Position start = position;
-        for (auto cell = previousCell(buffer, start); cell; cell = previousCell(buffer, start)) {
-            size += textOf(*cell).size();
-            if (size > Most)
-                break;
-            start = *cell;
-        }
-        bool reached = false;
-        std::size_t behind = 0;
-        for (std::optional<Position> cell = start; cell; cell = nextCell(buffer, *cell)) {
-            const auto text = textOf(*cell);
-            reached = reached || *cell == position;
-            behind += reached ? text.size() : 0;
-            if (behind > Most)
-                break;
+        // The right half of a wide character means the character.
+        while (position.col > 0 && buffer.getCharAtBufferRelative(position).width == 0)
+            --position.col;
+        const Position start = startFor(position);
+        for (std::optional<Position> cell = start; cell && text.size() < Most;
+             cell = nextCell(buffer, *cell)) {
             if (*cell == position)
-                byteOfPosition = this->text.empty() || !text.empty() ? this->text.size()
-                                                                     : this->text.size() - 1;
-            this->text += text;
-            cells.resize(this->text.size(), *cell);
+                byteOfPosition = text.size();
+            append(*cell);
         }
     }
 
     std::string text;
-    std::vector<Position> cells;
+    std::vector<Position> cells; ///< One for each byte.
     std::size_t byteOfPosition = 0;
 
 private:
+    // So that another cell's text still fits.
+    static constexpr std::size_t Most = LinkDetection::LongestText - GraphemeTable::LongestGrapheme;
+
     [[nodiscard]] std::string textOf(Position position) const
     {
         const CharData cell = m_buffer.getCharAtBufferRelative(position);
         return cell.width == 0 ? std::string() : m_graphemes.textFor(cell.code);
+    }
+    /// Where the line begins, or not more than half of the text before the cell.
+    [[nodiscard]] Position startFor(Position position) const
+    {
+        std::size_t size = 0;
+        for (auto cell = previousCell(m_buffer, position); cell;
+             cell = previousCell(m_buffer, position)) {
+            size += textOf(*cell).size();
+            if (size > Most / 2)
+                break;
+            position = *cell;
+        }
+        return position;
+    }
+    void append(Position cell)
+    {
+        text += textOf(cell);
+        cells.resize(text.size(), cell);
     }
 
     const Buffer& m_buffer;

@@ -22,9 +22,9 @@ struct LinkMatch {
         bool operator==(const RowRange&) const = default;
     };
 
-    std::string text;        ///< Where it leads: as the program said, or as it is written.
-    RowRange range;          ///< Its part in the row that was asked for.
-    bool isExplicit = false; ///< The program said that it is a link.
+    std::string text;                ///< Where it leads: as the program said, or as it is written.
+    RowRange range;                  ///< Its part in the row that was asked for.
+    bool isExplicit = false;         ///< The program said that it is a link.
     std::vector<RowRange> rowRanges; ///< All parts, from top to bottom.
 
     bool operator==(const LinkMatch&) const = default;

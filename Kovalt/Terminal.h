@@ -3,9 +3,11 @@
 #include "Kovalt/Buffer.h"
 #include "Kovalt/EscapeSequenceParser.h"
 #include "Kovalt/GraphemeTable.h"
+#include "Kovalt/Links.h"
 #include "Kovalt/Mouse/MouseEncoder.h"
 #include "Kovalt/ParserHandlers.h"
 #include "Kovalt/Position.h"
+#include "Kovalt/PromptClick.h"
 #include "Kovalt/TerminalDelegate.h"
 #include "Kovalt/TerminalOptions.h"
 #include "Kovalt/TerminalState.h"
@@ -25,10 +27,13 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace Kovalt {
+
+struct SemanticPromptOptions;
 
 /// A terminal without a window: bytes of a program in, a screen and answers out.
 ///
@@ -169,8 +174,33 @@ public:
     void setTitle(std::string text);
     void setIconTitle(std::string text);
 
+    /// None for the colour of the text under it.
+    void setCursorColor(std::optional<Color> color);
+
+    // Links and prompts.
+
+    /// The link that a cell of the active buffer belongs to. One that the program made wins over
+    /// one that only looks like it.
+    [[nodiscard]] std::optional<LinkMatch> link(const LinkLookupLocation& location,
+                                                LinkLookupMode mode) const;
+    /// What a cell of the active buffer is to the shell; the row is one of the ring.
+    [[nodiscard]] SemanticCode semanticContent(Position position) const;
+    [[nodiscard]] const SemanticPromptClickBehavior& semanticPromptClickBehavior() const
+    {
+        return m_promptClickBehavior;
+    }
+    void setSemanticPromptClickBehavior(const SemanticPromptClickBehavior& behavior)
+    {
+        m_promptClickBehavior = behavior;
+    }
+    /// A click on a column and row of the view. If it hits the input that a shell is editing, the
+    /// shell is told, or sent the keys that move its cursor there. False if the click is for
+    /// others.
+    bool handleSemanticPromptClick(Position at, MouseModifiers modifiers);
+
     // Extensions.
 
+    /// In place of the terminal and of an older handler; without one the terminal acts again.
     void registerOscHandler(std::int64_t code, OscHandler handler);
     /// Must stay alive until it is taken off.
     void registerSelection(TerminalSelection* selection);
@@ -369,18 +399,63 @@ private:
     // Windows and titles: Sequences/Window.cpp
     void cmdWindowOptions(const CsiSequence& sequence);
     void cmdSetTitleModes(const CsiSequence& sequence, bool on);
+    void reportWindow(WindowManipulationCommand::Kind kind);
+    [[nodiscard]] std::string titleReport(const std::string& title) const;
+    void pushTitles(bool icon, bool window);
+    void popTitles(bool icon, bool window);
 
     // Operating-system commands: Sequences/OperatingSystemCommands*.cpp
     void dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data);
+    void unknownOsc(std::int64_t code) const;
+    void oscTitle(std::span<const std::uint8_t> data, void (Terminal::*set)(std::string));
+    void oscSetCurrentDirectory(std::span<const std::uint8_t> data);
+    void oscSetCurrentDocument(std::span<const std::uint8_t> data);
+    void oscProgress(std::span<const std::uint8_t> data);
+    void oscNotification(std::span<const std::uint8_t> data);
+    void oscClipboard(std::span<const std::uint8_t> data);
+    void oscContent(std::span<const std::uint8_t> data);
+
+    // Colours: Sequences/OperatingSystemCommandsColor.cpp
     /// The start values of `m_colors`, from the options.
     void setupColors();
     void resetAllColors();
+    void oscChangeOrQueryColorIndex(std::span<const std::uint8_t> data);
+    void oscSetColors(int startAt, std::span<const std::uint8_t> data);
+    void oscResetColor(std::span<const std::uint8_t> data);
+    void setPaletteEntry(int index, Color color);
+    /// Of text, background and cursor: 0, 1 and 2.
+    [[nodiscard]] Color screenColor(int which);
+    void setScreenColor(int which, Color color);
+
+    // Links: Sequences/OperatingSystemCommandsLink.cpp
+    void oscHyperlink(std::span<const std::uint8_t> data);
     /// The code for the open link, stored if need be; 0 without one.
     [[nodiscard]] std::uint16_t resolveActiveHyperlink();
-    /// After a line feed or a wrap: the row that the cursor came to goes on with the prompt.
+    void storePendingHyperlink();
+
+    // Prompts: Sequences/SemanticPrompt*.cpp
+    void oscSemanticPrompt(std::span<const std::uint8_t> data);
+    void freshLine();
+    [[nodiscard]] std::int64_t cursorRowInHistory() const;
+    [[nodiscard]] bool canReuseSemanticGroup(SemanticPromptKind kind) const;
+    void beginSemanticPromptGroup();
+    void beginSemanticPrompt(const SemanticPromptOptions& options);
+    void continueSemanticPrompt(const SemanticPromptOptions& options);
+    void forgetMarksFromCursor();
+    void applySemanticOptions(const SemanticPromptOptions& options);
+    void setSemanticMark(SemanticMark::Kind kind, SemanticPromptKind prompt = {});
+    void markCurrentSemanticPrompt(SemanticPromptKind kind);
+    void beginSemanticInput(bool endsWithLine);
+    void clearEchoedEnterContinuationBeforeOutput();
+    void beginSemanticOutput();
+    void endSemanticCommand();
+    /// After a line feed: the row that the cursor came to goes on with the prompt.
     void finishSemanticLineAdvance();
     void resetSemanticPromptState(bool clearingScreenMarks = true);
     void semanticNoteAlternateScreenSwitch();
+    [[nodiscard]] bool allowsPromptClick(MouseModifiers modifiers) const;
+    bool sendPromptClickEvent(Position at);
+    bool sendPromptCursorKeys(Position at);
 
     TerminalDelegate* m_delegate;
     TerminalOptions m_options;
@@ -421,9 +496,12 @@ private:
 
     HyperlinkState m_activeHyperlink;
     std::set<std::uint16_t> m_payloadCodes; ///< The codes that this terminal holds.
+    /// Payloads seen last, and the codes that they got, which may have been released since.
+    std::unordered_map<std::string, std::uint16_t> m_payloadCodeOf;
     std::size_t m_payloadCollectionAt = 4096;
     std::optional<std::string> m_hostCurrentDirectory;
     std::optional<std::string> m_hostCurrentDocument;
+    SemanticPromptClickBehavior m_promptClickBehavior;
     std::map<std::int64_t, OscHandler> m_oscHandlers;
     std::unique_ptr<DcsHandler> m_dcsRequest; ///< Made by `requestHandler`.
     std::vector<TerminalSelection*> m_selections;

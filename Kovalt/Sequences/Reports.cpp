@@ -19,7 +19,7 @@ struct DeviceReply {
 /// Private status requests whose answer never changes. In their order: printer, user-defined keys,
 /// keyboard, locator, kind of locator, macro space, data integrity, sessions.
 constexpr DeviceReply DeviceReplies[] = {
-    {15, "?10n"},  {25, "?21n"}, {26, "?27;1;0;0n"}, {55, "?53n"},
+    {15, "?10n"},   {25, "?21n"}, {26, "?27;1;0;0n"}, {55, "?53n"},
     {56, "?57;1n"}, {62, "0*{"},  {75, "?70n"},       {85, "?83n"},
 };
 

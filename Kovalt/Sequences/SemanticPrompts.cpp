@@ -26,8 +26,8 @@ SemanticCode promptContent(SemanticPromptKind kind)
 
 bool isOpen(const SemanticState& state)
 {
-    return state.activeGroup != 0 && (state.input == SemanticInputState::Prompt ||
-                                      state.input == SemanticInputState::Armed);
+    return state.activeGroup != 0 &&
+           (state.input == SemanticInputState::Prompt || state.input == SemanticInputState::Armed);
 }
 
 /// As at the start, but groups go on counting, so that no number is used twice.

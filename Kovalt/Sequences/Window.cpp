@@ -122,8 +122,7 @@ void Terminal::cmdWindowOptions(const CsiSequence& sequence)
                                   [&](const WindowRow& r) { return matches(r, parameters); });
     if (row != std::end(WindowTable)) {
         const auto command = commandOf(*row, parameters);
-        const auto reply =
-            m_delegate ? m_delegate->windowCommand(*this, command) : std::nullopt;
+        const auto reply = m_delegate ? m_delegate->windowCommand(*this, command) : std::nullopt;
         if (reply)
             sendResponse(*reply);
         else
