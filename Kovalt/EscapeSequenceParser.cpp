@@ -10,6 +10,7 @@ namespace Kovalt {
 namespace {
 
 constexpr std::uint8_t LastControl = 0x1F;
+constexpr std::uint8_t EndOfMedium = 0x19;
 constexpr std::uint8_t Escape = 0x1B;
 
 constexpr bool isDigit(std::uint8_t code)
@@ -51,12 +52,7 @@ void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) noexcept
     while (run.at < data.size() && !run.aborted) {
         switch (m_sequence.state) {
         case ParserState::Ground:
-            if (run.code() > LastControl)
-                parseText(run);
-            else if (run.code() == Escape)
-                parseEscape(run);
-            else
-                parseByte(run);
+            parseGround(run);
             break;
         case ParserState::CsiEntry:
         case ParserState::CsiParam:
@@ -79,6 +75,25 @@ void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) noexcept
     finish(run);
     m_osc.commit();
     m_apc.commit();
+}
+
+/// Text, controls and whole control sequences, as long as nothing leads away from the ground state.
+void EscapeSequenceParser::parseGround(Run& run)
+{
+    while (run.at < run.data.size() && m_sequence.state == ParserState::Ground) {
+        const auto code = run.code();
+        if (code > LastControl) {
+            parseText(run);
+        } else if (code == Escape) {
+            parseEscape(run);
+        } else if (code == EndOfMedium) {
+            parseByte(run);
+            return;
+        } else {
+            execute(run, code);
+            ++run.at;
+        }
+    }
 }
 
 /// The text up to the next control. In the ground state 0x7F and 0x80 to 0x9F are text too.

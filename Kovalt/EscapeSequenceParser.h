@@ -52,6 +52,7 @@ public:
 private:
     struct Run;
 
+    void parseGround(Run& run);
     void parseText(Run& run);
     void parseEscape(Run& run);
     void parseCsi(Run& run);

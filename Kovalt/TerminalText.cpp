@@ -76,9 +76,21 @@ void Terminal::print(std::span<const std::uint8_t> bytes, TextKind kind)
         m_print.lastCode = static_cast<unsigned char>(text.back());
         m_print.lastWidth = 1;
     } else {
-        printMixed(text);
+        printBetweenStrays(text);
     }
     updateRange(buffer.y);
+}
+
+/// The only control that stands in text is one that means nothing, also between the bytes of a
+/// character.
+void Terminal::printBetweenStrays(std::string_view text)
+{
+    constexpr char EndOfMedium = 0x19;
+    for (auto end = text.find(EndOfMedium); end != text.npos; end = text.find(EndOfMedium)) {
+        printMixed(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    printMixed(text);
 }
 
 std::uint16_t Terminal::resolvePayload()

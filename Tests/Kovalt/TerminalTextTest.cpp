@@ -74,6 +74,15 @@ TEST(TerminalText, MalformedBytesAreOneReplacementCharacterASequence)
     }
 }
 
+TEST(TerminalText, AStrayControlInACharacterMeansNothing)
+{
+    TerminalHarness t;
+
+    t.feed("a\x19\xE2\x82\x19\xAC\x19\x19z");
+
+    EXPECT_EQ(t.row(0), "a€z");
+}
+
 TEST(TerminalText, ControlsThatArriveAsCharactersPrintNothing)
 {
     TerminalHarness t;

@@ -1,0 +1,143 @@
+#include "Options.h"
+
+#include <charconv>
+#include <functional>
+#include <map>
+
+namespace KovaltTool {
+namespace {
+
+constexpr const char* Usage =
+    R"(kovalt [OPTIONS] -- COMMAND...      runs a program on a terminal without a window
+kovalt [OPTIONS] --replay FILE      feeds what was recorded, without a program
+
+  --cols N          columns (80)
+  --rows N          rows (25)
+  --scrollback N    rows of history (500)
+  --term NAME       the terminal that the program is told of (xterm-256color)
+  --record FILE     keep all that the program writes
+  --dump FORM       write the screen at the end: text, sgr or json; SIGUSR1 writes it at once
+  --history         the history too
+  --after MS        end after so many milliseconds, whatever the program does
+  --send KEYS       type this first: text, and keys such as <Enter> <C-c> <A-x> <S-Tab> <F5> <Up>,
+                    <lt> for "<" and <Wait 500> for half a second
+  --timeout MS      as --after, but the exit status is 124
+  --help, --version
+
+Standard input goes to the program as it comes. The exit status is the program's.
+)";
+
+constexpr int LargestSide = 10'000;
+constexpr int LargestHistory = 10'000'000;
+constexpr int LargestTime = 86'400'000;
+
+std::optional<int> number(const std::string& text, int smallest, int largest)
+{
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || value < smallest ||
+        value > largest)
+        return std::nullopt;
+    return value;
+}
+
+std::optional<DumpForm> dumpForm(const std::string& text)
+{
+    if (text == "text")
+        return DumpForm::Text;
+    if (text == "sgr")
+        return DumpForm::Sgr;
+    if (text == "json")
+        return DumpForm::Json;
+    return std::nullopt;
+}
+
+Ending mistake(const std::string& text)
+{
+    return {"kovalt: " + text + "\n\n" + Usage, 2};
+}
+
+/// Takes the value of an option; false if it is none.
+using Setter = std::function<bool(Options&, const std::string&)>;
+
+Setter intoNumber(int Options::*member, int smallest, int largest)
+{
+    return [=](Options& options, const std::string& text) {
+        const auto value = number(text, smallest, largest);
+        options.*member = value.value_or(0);
+        return value.has_value();
+    };
+}
+
+Setter intoTime(std::optional<std::chrono::milliseconds> Options::*member)
+{
+    return [=](Options& options, const std::string& text) {
+        const auto value = number(text, 0, LargestTime);
+        options.*member = std::chrono::milliseconds(value.value_or(0));
+        return value.has_value();
+    };
+}
+
+template <typename Member>
+Setter intoText(Member Options::*member)
+{
+    return [=](Options& options, const std::string& text) {
+        options.*member = text;
+        return !text.empty();
+    };
+}
+
+const std::map<std::string, Setter, std::less<>>& setters()
+{
+    static const std::map<std::string, Setter, std::less<>> all{
+        {"--cols", intoNumber(&Options::cols, 2, LargestSide)},
+        {"--rows", intoNumber(&Options::rows, 1, LargestSide)},
+        {"--scrollback", intoNumber(&Options::scrollback, 0, LargestHistory)},
+        {"--term", intoText(&Options::term)},
+        {"--record", intoText(&Options::recordFile)},
+        {"--replay", intoText(&Options::replayFile)},
+        {"--dump",
+         [](Options& options, const std::string& text) {
+             options.dump = dumpForm(text);
+             return options.dump.has_value();
+         }},
+        {"--after", intoTime(&Options::after)},
+        {"--timeout", intoTime(&Options::timeout)},
+        {"--send", intoText(&Options::send)},
+    };
+    return all;
+}
+
+} // namespace
+
+std::variant<Options, Ending> parseOptions(const std::vector<std::string>& arguments)
+{
+    Options options;
+    std::size_t next = 0;
+    for (; next < arguments.size() && arguments[next] != "--"; ++next) {
+        const std::string& name = arguments[next];
+        if (name == "--help")
+            return Ending{Usage, 0};
+        if (name == "--version")
+            return Ending{"kovalt " KOVALT_TOOL_VERSION "\n", 0};
+        if (name == "--history") {
+            options.withHistory = true;
+            continue;
+        }
+        const auto setter = setters().find(name);
+        if (setter == setters().end())
+            return mistake("what is \"" + name + "\"?");
+        if (next + 1 == arguments.size())
+            return mistake(name + " needs a value");
+        const std::string& value = arguments[++next];
+        if (!setter->second(options, value))
+            return mistake(name + " can't be \"" + value + "\"");
+    }
+    if (next < arguments.size())
+        options.command.assign(arguments.begin() + std::ptrdiff_t(next) + 1, arguments.end());
+    if (options.command.empty() == !options.replayFile)
+        return mistake(options.replayFile ? "a replay has no command" : "no command");
+    return options;
+}
+
+} // namespace KovaltTool
