@@ -159,6 +159,18 @@ TEST(SemanticPrompt, APromptThatIsPaintedAgainIsTheSame)
     EXPECT_TRUE(marksOf(harness, 1).empty());
 }
 
+TEST(SemanticPrompt, APromptThatIsPaintedAgainAfterAResizeIsTheSame)
+{
+    TerminalHarness harness(20, 4, 50);
+    harness.feed("a line that wraps when the width shrinks\r\n" + mark("A") + "$ " + mark("B") +
+                 "ls");
+
+    harness.onBoth([](Terminal& terminal) { terminal.resize(10, 4); });
+    harness.feed("\r" + mark("A") + "$ " + mark("B"));
+
+    EXPECT_EQ(harness.terminal.buffer().semantic.groupCounter, 1U);
+}
+
 TEST(SemanticPrompt, AnotherFirstPromptElsewhereIsAnotherGroup)
 {
     TerminalHarness harness;
@@ -367,6 +379,14 @@ TEST_F(PromptClickTest, RowsThatWrapAreOneLine)
 
     EXPECT_EQ(clickAt(2, 0), times(25, Left));
     EXPECT_EQ(clickAt(0, 1), times(7, Left));
+}
+
+TEST_F(PromptClickTest, ACursorBehindTheLastColumnStandsBehindItsCharacter)
+{
+    harness.feed(mark("A;cl=line") + "$ " + mark("B") + "012345678901234567");
+
+    EXPECT_EQ(clickAt(19, 0), times(1, Left));
+    EXPECT_EQ(clickAt(2, 0), times(18, Left));
 }
 
 TEST_F(PromptClickTest, AClickOutsideTheInputIsForOthers)
