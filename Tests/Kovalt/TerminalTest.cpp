@@ -63,6 +63,17 @@ TEST(Terminal, ResizingReachesBothBuffers)
     EXPECT_EQ(t.terminal.buffer().cols(), 20);
 }
 
+TEST(Terminal, ACursorWhoseRowFallsOutOfTheHistoryStaysOnTheScreen)
+{
+    TerminalHarness t(17, 6, 9);
+    t.feed("\x1B#8777");
+
+    t.onBoth([](Terminal& terminal) { terminal.resize(2, 15); });
+
+    EXPECT_LE(t.cursor().col, 2);
+    EXPECT_EQ(t.cursor().row, 0);
+}
+
 TEST(Terminal, OnlyChangedRowsAreMarked)
 {
     TerminalHarness t(10, 6);
