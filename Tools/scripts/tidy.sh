@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# clang-tidy over the sources that changed since the last commit that passed (recorded in
-# build/tidy-passed), or since the given commit: tidy.sh [COMMIT | --all]
+# clang-tidy over the sources that changed since they were last read without a finding: tidy.sh [--all]
 #
-# Everything is read if there is no such record, and if the checks changed.
+# Tools/tidy-passed holds the checksums of what was, and is written anew when a run finds nothing;
+# commit it with the change. All sources are read if the checks changed, or with --all.
 set -uo pipefail
 cd "$(dirname "$(readlink -f "$0")")/../.."
+source Tools/scripts/files.sh
 
-# Its own build folder: clang can't read the precompiled headers that gcc wrote.
-folder=build/tidy
-if [ ! -f $folder/build.ninja ]; then
-    cmake -S . -B $folder -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
-        -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null || exit 1
-fi
+record=Tools/tidy-passed
 
 # Without the tests: they would take two fifths of the time, and what they have is small.
-sources() { git ls-files '*.cpp' ':!Tests'; }
+sources() { project_files '*.cpp' | grep -v ^Tests/; }
+# The checks first: with others, nothing has passed.
+checksums() {
+    { echo .clang-tidy; project_files '*.cpp' '*.h' | grep -v ^Tests/; } | xargs sha256sum
+}
 
 # A header is read with the source of its name, or else with the first one that includes it.
 reader_of() {
@@ -23,27 +23,29 @@ reader_of() {
     [ -z "$source" ] || echo "$source"
 }
 
-changed_since() {
-    sources | grep -Fxf <(
-        git diff --name-only --diff-filter=d "$1" -- '*.cpp'
-        git diff --name-only --diff-filter=d "$1" -- '*.h' | while read -r header; do reader_of "$header"; done
-    )
+# What the record doesn't hold as it is now.
+changed() {
+    checksums | grep -vxFf "$record" | awk '{ print $2 }' | while read -r file; do
+        case $file in
+            *.h) reader_of "$file" ;;
+            *) echo "$file" ;;
+        esac
+    done | sort -u
 }
 
-base=${1:-}
-[ -z "$base" ] && [ -f build/tidy-passed ] && base=$(cat build/tidy-passed)
-if [ -z "$base" ] || [ "$base" = --all ] || ! git cat-file -e "$base" 2>/dev/null ||
-    ! git diff --quiet "$base" -- .clang-tidy; then
+if [ "${1:-}" = --all ] || [ ! -s $record ] || ! grep -qxF "$(sha256sum .clang-tidy)" $record; then
     files=$(sources)
 else
-    files=$(changed_since "$base")
+    files=$(changed)
 fi
+[ -z "$files" ] && { echo "nothing to check"; checksums >$record; exit 0; }
 
-# What passed since another commit says nothing about what came before that.
-head=$(git rev-parse HEAD)
-record() { [ -n "${1:-}" ] && [ "$1" != --all ] || echo "$head" >build/tidy-passed; }
-[ -z "$files" ] && { record "$@"; echo "nothing to check"; exit 0; }
-
+# Its own build folder: clang can't read the precompiled headers that gcc wrote.
+folder=build/tidy
+if [ ! -f $folder/build.ninja ]; then
+    cmake -S . -B $folder -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
+        -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null || exit 1
+fi
 # Sources may be new since the folder was configured.
 log=$(cmake --build $folder --target build.ninja 2>&1) || { echo "$log"; exit 1; }
 
@@ -60,6 +62,7 @@ check() {
 export -f check
 
 # A finding in a header comes with each source that includes it, and is shown once.
+echo "Reading $(wc -l <<<"$files") sources"
 lock=$(mktemp)
 trap 'rm -f "$lock"' EXIT
 if xargs -P "$(nproc)" -I {} bash -c 'check "$@"' check $folder "$lock" {} <<<"$files" |
@@ -67,7 +70,7 @@ if xargs -P "$(nproc)" -I {} bash -c 'check "$@"' check $folder "$lock" {} <<<"$
          /^[^ ].*:[0-9]+:[0-9]+: (warning|error): / { shown = !seen[$0]++ }
          /^(Error|clang-tidy)/ { shown = 1 }
          shown'; then
-    record "$@"
+    checksums >$record
 else
     exit 1
 fi

@@ -3,7 +3,9 @@
 #include "Views/Kit/Theme.h"
 
 #include <QBitmap>
+#include <QEvent>
 #include <QPainter>
+#include <QWidget>
 
 namespace Bralto::Float {
 namespace {
