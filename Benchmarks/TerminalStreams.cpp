@@ -116,10 +116,9 @@ void dense(std::string& text, StreamRandom& random)
 
 void scroll(std::string& text, StreamRandom& random)
 {
-    text += char('a' + random.below(26));
-    if (random.below(3) == 0)
+    for (unsigned count = random.between(1, 3); count != 0; --count)
         text += char('a' + random.below(26));
-    text += '\n';
+    text += "\r\n";
 }
 
 void region(std::string& text, StreamRandom& random)
@@ -210,7 +209,7 @@ constexpr std::array<TerminalStream, 10> Streams = {{
     {"light", light},
     {"colour", colour},
     {"dense", dense},
-    {"scroll", scroll, "\x1b[20h"},
+    {"scroll", scroll},
     {"region", region, "\x1b[4;20r\x1b[20;1H"},
     {"unicode", unicode},
     {"cursor", cursor},

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -140,6 +141,14 @@ public:
     /// Prints bytes 0x20 to 0x7E, of which it takes all but in insert mode, where it takes none.
     /// Returns how many were taken.
     [[nodiscard]] std::size_t insertAsciiRun(std::string_view text, const Attribute& attribute);
+    /// A character that is one scalar, of 1 or 2 columns.
+    struct PrintedScalar {
+        char32_t scalar;
+        std::int8_t width;
+    };
+    /// Prints scalars under one link as `insertCharacter` would each.
+    void insertScalarRun(std::span<const PrintedScalar> run, const Attribute& attribute,
+                         std::uint16_t payload);
 
     /// One row up in the scroll region, a blank one at its bottom. A region of the whole screen
     /// hands its top row to the history, and `yDisp` goes along unless the user has scrolled back.

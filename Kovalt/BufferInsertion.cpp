@@ -20,12 +20,14 @@ static_assert(sizeof(CharData) == 3 * sizeof(std::uint64_t) && offsetof(CharData
               offsetof(CharData, semantic) == 7 && offsetof(CharData, attribute) == 8);
 static_assert(std::endian::native == std::endian::little);
 
+/// One column in the word that holds a cell's width.
+constexpr std::uint64_t WidthStep = std::uint64_t(1) << 48;
+
 /// A cell as three words, its code still 0. It is put together in registers: written to memory
 /// byte by byte, it could not be read back as words without a stall.
 struct CellWords {
     CellWords(const Attribute& attribute, std::uint16_t payload, SemanticCode semantic)
-        : first(std::uint64_t(payload) << 32 | std::uint64_t(1) << 48 |
-                std::uint64_t(semantic) << 56)
+        : first(std::uint64_t(payload) << 32 | WidthStep | std::uint64_t(semantic) << 56)
     {
         std::memcpy(&second, &attribute, sizeof(second));
         std::memcpy(&third, reinterpret_cast<const char*>(&attribute) + sizeof(second),
@@ -164,6 +166,47 @@ std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attri
         done += count;
     }
     return text.size();
+}
+
+void Buffer::insertScalarRun(std::span<const PrintedScalar> run, const Attribute& attribute,
+                             std::uint16_t payload)
+{
+    const CellWords pattern(attribute, payload, semantic.content);
+    x = std::clamp(x, 0, m_cols);
+    y = std::clamp(y, 0, m_rows - 1);
+    const int limit = rightLimit();
+    while (!run.empty()) {
+        std::size_t fitting = 0;
+        int end = x;
+        if (!insertMode)
+            for (; fitting < run.size() && end + run[fitting].width - 1 <= limit; ++fitting)
+                end += run[fitting].width;
+        if (fitting == 0) {
+            CharData cell;
+            cell.code = std::int32_t(run.front().scalar);
+            cell.width = run.front().width;
+            cell.attribute = attribute;
+            insertCharacter(cell, payload);
+            run = run.subspan(1);
+            continue;
+        }
+        CharData* to = screenLine(y).overwrite(x, end - x);
+        for (const auto [scalar, width] : run.first(fitting)) {
+            CellWords cell = pattern;
+            cell.first |= scalar;
+            if (width == 2) {
+                // Widths 2 and 0 in place of the pattern's 1.
+                cell.first += WidthStep;
+                CellWords half = pattern;
+                half.first -= WidthStep;
+                std::memcpy(static_cast<void*>(to + 1), &half, sizeof(half));
+            }
+            std::memcpy(static_cast<void*>(to), &cell, sizeof(cell));
+            to += width;
+        }
+        x = end;
+        run = run.subspan(fitting);
+    }
 }
 
 } // namespace Kovalt

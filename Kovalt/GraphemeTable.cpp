@@ -72,8 +72,11 @@ std::int32_t GraphemeTable::codeFor(std::string_view grapheme)
 std::optional<std::int32_t> GraphemeTable::extended(std::int32_t code, char32_t scalar)
 {
     const std::uint64_t key = std::uint64_t(std::uint32_t(code)) << 32 | scalar;
-    if (const auto found = m_extensions.find(key); found != m_extensions.end())
+    Extension& recent = m_recent[recentSlot(code, scalar)];
+    if (const auto found = m_extensions.find(key); found != m_extensions.end()) {
+        recent = {code, scalar, found->second};
         return found->second;
+    }
     std::string text;
     appendText(text, code);
     Utf8::append(text, scalar);

@@ -3,6 +3,7 @@
 #include "Kovalt/CharData.h"
 #include "Kovalt/UnicodeUtil.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -34,6 +35,15 @@ public:
     /// The code of a cell's text with one more scalar behind it, none past the budget. A known
     /// pair costs one look-up and builds no text.
     [[nodiscard]] std::optional<std::int32_t> extended(std::int32_t code, char32_t scalar);
+    /// The same if `extended` made it not long ago, else none.
+    [[nodiscard]] std::optional<std::int32_t> recentlyExtended(std::int32_t code,
+                                                               char32_t scalar) const
+    {
+        const Extension& recent = m_recent[recentSlot(code, scalar)];
+        if (recent.from != code || recent.scalar != scalar)
+            return std::nullopt;
+        return recent.to;
+    }
 
     /// Whether a cell of this code and the scalar make one extended grapheme cluster.
     [[nodiscard]] bool joins(std::int32_t code, char32_t scalar) const;
@@ -56,12 +66,25 @@ private:
         GraphemeState state;
     };
 
+    /// A cluster that became another one by a scalar.
+    struct Extension {
+        std::int32_t from = -1;
+        char32_t scalar = 0;
+        std::int32_t to = 0;
+    };
+    static constexpr std::size_t RecentCount = 256;
+    [[nodiscard]] static std::size_t recentSlot(std::int32_t code, char32_t scalar)
+    {
+        return (std::uint32_t(code) * 31 + scalar) % RecentCount;
+    }
+
     [[nodiscard]] const Entry* entry(std::int32_t code) const;
     [[nodiscard]] bool spend(std::size_t bytes);
 
     std::deque<Entry> m_entries; ///< indexToCharMap: entry i has the code FirstGrapheme + i.
     std::unordered_map<std::string_view, std::int32_t> m_codes; ///< Views of the entries' texts.
     std::unordered_map<std::uint64_t, std::int32_t> m_extensions;
+    std::array<Extension, RecentCount> m_recent;
     std::size_t m_byteBudget;
     std::size_t m_bytes = 0;
 };

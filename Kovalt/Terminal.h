@@ -272,6 +272,8 @@ private:
     void printMixed(std::string_view text);
     [[nodiscard]] std::string_view printHeld(std::string_view text);
     [[nodiscard]] std::size_t printAscii(std::string_view text);
+    [[nodiscard]] std::size_t printSimpleRun(std::string_view text);
+    [[nodiscard]] bool endsInCluster() const;
     void printScalar(char32_t scalar);
     void printCell(std::int32_t code, int width);
     [[nodiscard]] bool joinToPreceding(char32_t scalar, int width);

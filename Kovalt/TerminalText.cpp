@@ -6,6 +6,8 @@
 #include "Kovalt/Utf8.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace Kovalt {
 
@@ -105,6 +107,10 @@ void Terminal::printMixed(std::string_view text)
         text = printHeld(text);
     m_print.payload = resolvePayload();
     while (!text.empty()) {
+        if (const std::size_t length = printSimpleRun(text)) {
+            text.remove_prefix(length);
+            continue;
+        }
         if (static_cast<unsigned char>(text[0]) < 0x80) {
             text.remove_prefix(printAscii(text));
             continue;
@@ -118,6 +124,59 @@ void Terminal::printMixed(std::string_view text)
         printScalar(decoded.scalar);
         text.remove_prefix(decoded.length);
     }
+}
+
+/// Prints from the front what joins nothing before it: most text that is not ASCII. Returns its
+/// bytes.
+std::size_t Terminal::printSimpleRun(std::string_view text)
+{
+    // A longer stretch of ASCII has a faster way.
+    constexpr std::size_t LongestAscii = 12;
+    if (CharSets::mapping(m_charsets.active()) || endsInCluster())
+        return 0;
+    std::array<Buffer::PrintedScalar, 64> run;
+    std::size_t count = 0;
+    std::size_t ascii = 0;
+    std::size_t at = 0;
+    while (at < text.size() && count < run.size() && ascii <= LongestAscii) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if (byte < 0x80) {
+            if (byte < 0x20 || byte == 0x7F)
+                break;
+            run[count++] = {byte, 1};
+            ++ascii;
+            ++at;
+            continue;
+        }
+        const Decoded decoded = decodeFront(text.substr(at));
+        const int width = UnicodeUtil::computeColumnWidth(decoded.scalar);
+        if (decoded.length == 0 || width < 1 || UnicodeUtil::isRegionalIndicator(decoded.scalar) ||
+            UnicodeUtil::isEmojiModifier(decoded.scalar))
+            break;
+        run[count++] = {decoded.scalar, std::int8_t(width)};
+        ascii = 0;
+        at += decoded.length;
+    }
+    if (ascii > LongestAscii) {
+        count -= ascii;
+        at -= ascii;
+    }
+    if (count == 0)
+        return 0;
+    m_buffer->insertScalarRun({run.data(), count}, m_curAttr, m_print.payload);
+    m_print.lastCode = std::int32_t(run[count - 1].scalar);
+    m_print.lastWidth = run[count - 1].width;
+    return at;
+}
+
+/// Whether the character before the cursor is one of several scalars, which others may join.
+bool Terminal::endsInCluster() const
+{
+    const BufferLine& line = m_buffer->cursorLine();
+    const int column = precedingColumn(line);
+    const auto cells = line.live();
+    return column >= 0 && std::size_t(column) < cells.size() &&
+           cells[std::size_t(column)].code >= CharData::FirstGrapheme;
 }
 
 /// Goes on with the character that the last text ended in. Returns the text behind it.
@@ -214,6 +273,14 @@ bool Terminal::joinToPreceding(char32_t scalar, int width)
         !UnicodeUtil::isEmojiModifier(scalar))
         return false;
 
+    const bool isSelector = scalar == TextSelector || scalar == EmojiSelector;
+    if (!isSelector && !isIndicator) {
+        if (const auto joined = m_graphemes.recentlyExtended(code, scalar)) {
+            line.writable(column + 1)[column].code = *joined;
+            m_print.lastCode = *joined;
+            return true;
+        }
+    }
     const char32_t last = m_graphemes.lastScalar(code);
     const bool wants = width == 0 || last == ZeroWidthJoiner ||
                        (isIndicator && UnicodeUtil::isRegionalIndicator(last)) ||
@@ -221,7 +288,7 @@ bool Terminal::joinToPreceding(char32_t scalar, int width)
                         UnicodeUtil::properties(last).extendedPictographic);
     if (!wants || !m_graphemes.joins(code, scalar))
         return false;
-    if (scalar == TextSelector || scalar == EmojiSelector) {
+    if (isSelector) {
         selectPresentation(line, column, scalar);
         return true;
     }
