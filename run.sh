@@ -31,8 +31,14 @@ while [ $# -gt 0 ]; do
 done
 
 install_packages
-build_preset release Bralto BraltoDesktop BundledDemoAgent >build.log 2>&1 || { cat build.log >&2; exit 1; }
-rm -f build.log
+[ -d build/release/Bralto.app ] || echo "Building Bralto; the first time takes some minutes." >&2
+if [ -t 1 ]; then
+    build_preset release Bralto BraltoDesktop BundledDemoAgent
+else
+    log=$(mktemp)
+    build_preset release Bralto BraltoDesktop BundledDemoAgent >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    rm -f "$log"
+fi
 
 program=$PWD/build/release/Bralto.app/Contents/MacOS/Bralto
 arguments=()

@@ -7,8 +7,7 @@
 
 namespace DemoAgent {
 
-// The names of the coroutine hooks are the language's.
-// NOLINTBEGIN(readability-identifier-naming)
+// NOLINTBEGIN(readability-identifier-naming): the language names the hooks of a coroutine.
 
 template <typename T>
 class Task;

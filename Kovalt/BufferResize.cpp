@@ -129,7 +129,8 @@ void Buffer::reflow(int oldCols, int cursorX, int savedCursorX)
     const auto screenRow = [&](const Place& place) {
         return std::clamp(place.row - dropped - yBase, 0, m_rows - 1);
     };
-    x = places[Cursor].col;
+    // A cursor whose row has left the ring keeps its column as far as there is one.
+    x = std::min(places[Cursor].col, m_cols);
     y = screenRow(places[Cursor]);
     savedX = std::min(places[Saved].col, m_cols - 1);
     savedY = screenRow(places[Saved]);

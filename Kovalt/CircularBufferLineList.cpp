@@ -62,12 +62,15 @@ BufferLine& CircularBufferLineList::recycle(const Attribute& clearAttribute)
     auto& slot = m_lines.recycle();
     if (!slot)
         slot = m_owner.makeEmpty();
-    // The rows that come next have not been looked at for a whole history: have the first's cells
-    // fetched, and the second's head so that its cells can be next time.
-    if (const BufferLine* const next = m_lines[0].get())
-        next->prefetch();
-    if (count() > 1)
-        __builtin_prefetch(m_lines[1].get(), 1);
+    // The rows that come next have not been looked at for a whole history: have the cells of one
+    // fetched, and the head of another so that its cells can be later.
+    constexpr int CellsAhead = 4;
+    constexpr int HeadsAhead = 8;
+    if (count() > HeadsAhead) {
+        if (const BufferLine* const soon = m_lines[CellsAhead].get())
+            soon->prefetch();
+        __builtin_prefetch(m_lines[HeadsAhead].get(), 1);
+    }
     const bool hadImages = slot->hasImages();
     slot->recycle(clearAttribute);
     m_owner.lineRecycled(hadImages);

@@ -76,7 +76,14 @@ public:
         const std::size_t first = m_start + std::size_t(start);
         if (first + std::size_t(count) <= m_array.size() || first >= m_array.size()) {
             const auto begin = m_array.begin() + std::ptrdiff_t(slot(start));
-            std::rotate(begin, begin + by, begin + count);
+            // By one is what every scroll in a region does.
+            if (by == 1 && count > 1) {
+                Value moved = std::move(*begin);
+                std::move(begin + 1, begin + count, begin);
+                *(begin + count - 1) = std::move(moved);
+            } else {
+                std::rotate(begin, begin + by, begin + count);
+            }
             return;
         }
         reverse(start, start + by);

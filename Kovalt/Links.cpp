@@ -82,6 +82,9 @@ public:
                 byteOfPosition = text.size();
             append(*cell);
         }
+        // What nobody printed is not part of the line.
+        text.resize(m_printed);
+        cells.resize(m_printed);
     }
 
     std::string text;
@@ -114,10 +117,13 @@ private:
     {
         text += textOf(cell);
         cells.resize(text.size(), cell);
+        if (m_buffer.getCharAtBufferRelative(cell).code != 0)
+            m_printed = text.size();
     }
 
     const Buffer& m_buffer;
     const GraphemeTable& m_graphemes;
+    std::size_t m_printed = 0;
 };
 
 } // namespace

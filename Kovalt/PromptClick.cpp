@@ -44,9 +44,10 @@ bool isInput(const Buffer& buffer, Position cell)
     return data.semantic == SemanticCode::Input && data.code != 0;
 }
 
+/// It may stand behind the last column.
 Position cursorOf(const Buffer& buffer)
 {
-    return {std::min(buffer.x, buffer.cols() - 1), buffer.yBase + buffer.y};
+    return {std::min(buffer.x, buffer.cols()), buffer.yBase + buffer.y};
 }
 
 int firstRowOfPrompt(const Buffer& buffer, int row)

@@ -268,6 +268,7 @@ private:
     [[nodiscard]] static std::string describe(std::span<const std::uint8_t> bytes);
 
     // Text: TerminalText.cpp
+    void printBetweenStrays(std::string_view text);
     void printMixed(std::string_view text);
     [[nodiscard]] std::string_view printHeld(std::string_view text);
     [[nodiscard]] std::size_t printAscii(std::string_view text);

@@ -76,9 +76,21 @@ void Terminal::print(std::span<const std::uint8_t> bytes, TextKind kind)
         m_print.lastCode = static_cast<unsigned char>(text.back());
         m_print.lastWidth = 1;
     } else {
-        printMixed(text);
+        printBetweenStrays(text);
     }
     updateRange(buffer.y);
+}
+
+/// The only control that stands in text is one that means nothing, also between the bytes of a
+/// character.
+void Terminal::printBetweenStrays(std::string_view text)
+{
+    constexpr char EndOfMedium = 0x19;
+    for (auto end = text.find(EndOfMedium); end != text.npos; end = text.find(EndOfMedium)) {
+        printMixed(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    printMixed(text);
 }
 
 std::uint16_t Terminal::resolvePayload()
@@ -181,7 +193,10 @@ void Terminal::printCell(std::int32_t code, int width)
 int Terminal::precedingColumn(const BufferLine& line) const
 {
     const int column = std::min(m_buffer->x, m_cols) - 1;
-    return column > 0 && line[column].width == 0 ? column - 1 : column;
+    const auto cells = line.live();
+    const bool isRightHalf =
+        column > 0 && std::size_t(column) < cells.size() && cells[std::size_t(column)].width == 0;
+    return isRightHalf ? column - 1 : column;
 }
 
 /// Makes the scalar a part of the character before the cursor if the two belong together.
@@ -191,7 +206,9 @@ bool Terminal::joinToPreceding(char32_t scalar, int width)
     const int column = precedingColumn(line);
     if (column < 0)
         return false;
-    const std::int32_t code = line[column].code;
+    const auto cells = line.live();
+    const std::int32_t code =
+        std::size_t(column) < cells.size() ? cells[std::size_t(column)].code : 0;
     const bool isIndicator = UnicodeUtil::isRegionalIndicator(scalar);
     if (width != 0 && code < CharData::FirstGrapheme && !isIndicator &&
         !UnicodeUtil::isEmojiModifier(scalar))

@@ -1,5 +1,6 @@
 #include "App/Program.h"
 
+#include "App/Compositing.h"
 #include "App/FirstFrame.h"
 #include "App/ZoomKeys.h"
 #include "Base/ShellQuote.h"
@@ -26,7 +27,8 @@ constexpr auto DemoAgent = "/Contents/Helpers/bralto-demo-agent";
 Theme::System systemLook(const SystemSettings& settings)
 {
     const bool paletteIsDark = QGuiApplication::palette().window().color().lightness() < 128;
-    return {settings.dark().value_or(paletteIsDark), settings.reducedMotion()};
+    return {settings.dark().value_or(paletteIsDark), settings.reducedMotion(),
+            Compositing::isActive()};
 }
 
 void copyToClipboard(const QString& text)

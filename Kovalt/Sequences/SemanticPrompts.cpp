@@ -5,6 +5,8 @@
 #include "Kovalt/Terminal.h"
 #include "Kovalt/Utf8.h"
 
+#include <algorithm>
+
 namespace Kovalt {
 
 namespace {
@@ -92,9 +94,16 @@ bool Terminal::canReuseSemanticGroup(SemanticPromptKind kind) const
     const SemanticState& state = m_buffer->semantic;
     if (!isOpen(state))
         return false;
-    // What follows a prompt belongs to it; another first prompt in the same place is the old one,
-    // painted again.
-    return kind != SemanticPromptKind::Initial || state.promptStartRow == cursorRowInHistory();
+    if (kind != SemanticPromptKind::Initial)
+        return true;
+    // Another first prompt in the same place is the old one, painted again. Its mark may have been
+    // erased with the row, and its row may have another number since the width changed.
+    const auto marks = m_buffer->cursorLine().semanticMarks();
+    return state.promptStartRow == cursorRowInHistory() ||
+           std::any_of(marks.begin(), marks.end(), [&](const SemanticMark& mark) {
+               return mark.kind == SemanticMark::Kind::Prompt && mark.group == state.activeGroup &&
+                      mark.prompt == SemanticPromptKind::Initial;
+           });
 }
 
 void Terminal::beginSemanticPromptGroup()

@@ -1,9 +1,6 @@
 #include "App/AppDelegate.h"
-#include "App/ZoomKeys.h"
 #include "Tests/Support/FakeRunningApplications.h"
 #include "Tests/Support/WorkspaceHarness.h"
-
-#include <QKeyEvent>
 
 #include <gtest/gtest.h>
 
@@ -125,20 +122,4 @@ TEST_F(AppDelegateTest, AWindowThatIsNotThereAfterHalfASecondIsBroughtBack)
     harness.scheduler().advance(std::chrono::milliseconds{500});
 
     EXPECT_EQ(activations, before + 1);
-}
-
-TEST(ZoomKeys, PlusWithControlAloneZoomsInAndTheMinusOfThePadOut)
-{
-    const auto direction = [](int key, Qt::KeyboardModifiers modifiers) {
-        return ZoomKeys::direction(QKeyEvent(QEvent::KeyPress, key, modifiers));
-    };
-
-    EXPECT_EQ(direction(Qt::Key_Plus, Qt::ControlModifier), ZoomKeys::Direction::In);
-    EXPECT_EQ(direction(Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier),
-              ZoomKeys::Direction::In);
-    EXPECT_EQ(direction(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier),
-              ZoomKeys::Direction::Out);
-    EXPECT_FALSE(direction(Qt::Key_Minus, Qt::ControlModifier)) << "left to the menu";
-    EXPECT_FALSE(direction(Qt::Key_Plus, Qt::ControlModifier | Qt::AltModifier));
-    EXPECT_FALSE(direction(Qt::Key_Plus, Qt::NoModifier));
 }

@@ -274,11 +274,6 @@ private:
     }
 };
 
-inline bool operator==(const Position& position, std::pair<int, int> place)
-{
-    return position.col == place.first && position.row == place.second;
-}
-
 } // namespace Kovalt::Testing
 
 namespace Kovalt {

@@ -3,6 +3,7 @@
 #include "Views/Dialogs/OpenDialog.h"
 #include "Views/Dialogs/PromptDialog.h"
 #include "Views/Kit/Field.h"
+#include "Views/Kit/FloatShadow.h"
 #include "Views/Kit/TextButton.h"
 
 #include <QApplication>
@@ -80,6 +81,22 @@ TEST_F(DialogsTest, TheFirstChoiceStandsAtTheRight)
     EXPECT_GT(card.buttons()[0]->x(), card.buttons()[1]->x());
     EXPECT_TRUE(card.buttons()[0]->isDefault());
     EXPECT_FALSE(card.buttons()[1]->isDefault());
+}
+
+TEST_F(DialogsTest, WhereNothingCanBeSeenThroughACardIsCutToItsPanel)
+{
+    AlertDialog floating(theme, unsaved, nullptr);
+    floating.show();
+    EXPECT_TRUE(floating.mask().isEmpty());
+
+    Theme plain{{.dark = true, .reducedMotion = true, .composited = false}};
+    AlertDialog cut(plain, unsaved, nullptr);
+    cut.show();
+
+    const QRect panel = cut.mask().boundingRect();
+    const int margin = Float::ShadowMargin - 1;
+    EXPECT_EQ(panel, cut.rect().adjusted(margin, margin, -margin, -margin));
+    EXPECT_FALSE(cut.mask().contains(panel.topLeft())) << "the corners are round";
 }
 
 TEST_F(DialogsTest, WordsFromOutsideAreNeverMarkup)

@@ -1,6 +1,7 @@
 #include "Views/Dialogs/FloatDialog.h"
 
 #include "Views/Kit/FloatShadow.h"
+#include "Views/Kit/FloatWindow.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -22,7 +23,7 @@ FloatDialog::FloatDialog(Theme& theme, QWidget* window)
     , m_column(new QVBoxLayout(this))
 {
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
-    setAttribute(Qt::WA_TranslucentBackground);
+    Float::makeWindow(*this, theme, Margin, Measure::CardRadius);
     setModal(true);
     m_column->setContentsMargins(Margin + Padding, Margin + Padding, Margin + Padding,
                                  Margin + Bottom);

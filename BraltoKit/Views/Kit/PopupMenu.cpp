@@ -1,6 +1,7 @@
 #include "Views/Kit/PopupMenu.h"
 
 #include "Views/Kit/FloatShadow.h"
+#include "Views/Kit/FloatWindow.h"
 #include "Views/Kit/Fonts.h"
 #include "Views/Kit/Icon.h"
 #include "Views/Kit/Shape.h"
@@ -173,7 +174,7 @@ void dressAll(QMenu& menu, Theme& theme)
     menu.setStyle(styleOf(theme));
     menu.setWindowFlag(Qt::FramelessWindowHint);
     menu.setWindowFlag(Qt::NoDropShadowWindowHint);
-    menu.setAttribute(Qt::WA_TranslucentBackground);
+    Float::makeWindow(menu, theme, 1, Measure::CardRadius);
     const QList<QAction*> actions = menu.actions();
     for (const QAction* action : actions) {
         if (QMenu* submenu = action->menu())

@@ -18,6 +18,7 @@ public:
     struct System {
         bool dark = true;
         bool reducedMotion = false;
+        bool composited = true; ///< Windows can be see-through.
 
         bool operator==(const System&) const = default;
     };
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] const SpaceTheme& space() const { return m_space; }
     /// Nothing but colours may change without a step between when this is true.
     [[nodiscard]] bool reducedMotion() const { return m_system.reducedMotion; }
+
+    [[nodiscard]] bool isComposited() const { return m_system.composited; }
 
     void setSpace(const SpaceTheme& space);
     void setSystem(System system);

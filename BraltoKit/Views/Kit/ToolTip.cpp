@@ -1,6 +1,7 @@
 #include "Views/Kit/ToolTip.h"
 
 #include "Views/Kit/FloatShadow.h"
+#include "Views/Kit/FloatWindow.h"
 #include "Views/Kit/TextLine.h"
 
 #include <QApplication>
@@ -26,7 +27,7 @@ ToolTip::ToolTip(Theme& theme, QWidget& window)
     , m_window(window)
 {
     setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
-    setAttribute(Qt::WA_TranslucentBackground);
+    Float::makeWindow(*this, theme, 1, Measure::ControlRadius);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_ShowWithoutActivating);
     qApp->installEventFilter(this);
