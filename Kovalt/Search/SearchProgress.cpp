@@ -35,6 +35,7 @@ void SearchService::restart()
     m_cols = m_buffer->cols();
     m_rows = m_buffer->rows();
     m_screenTop = m_buffer->linesTop + m_buffer->yBase;
+    m_end = endRow();
 }
 
 void SearchService::dropEvicted()
@@ -82,13 +83,18 @@ std::optional<std::int64_t> SearchService::firstChangedRow()
         if (stampOf(ringRow) != RowStamp{stamp.text, stamp.continues && ringRow > 0})
             return row;
     }
-    return end < m_next ? std::optional(end) : std::nullopt;
+    if (end < m_next)
+        return end;
+    // What was the last line may go on in a row that has come since.
+    const bool goesOn = m_end > m_first && m_end < endRow() &&
+                        LogicalLine::continues(*m_buffer, int(m_end - m_buffer->linesTop));
+    return goesOn ? std::optional(m_end) : std::nullopt;
 }
 
 /// The first row whose matches may depend on this one, which has changed.
 std::int64_t SearchService::rescanStart(std::int64_t row) const
 {
-    const bool continued = m_stamps[std::size_t(row - m_first)].continues;
+    const bool continued = row < m_next && m_stamps[std::size_t(row - m_first)].continues;
     int ringRow = int(row - m_buffer->linesTop);
     if (ringRow > 0 && (continued || LogicalLine::continues(*m_buffer, ringRow)))
         --ringRow;
@@ -146,13 +152,18 @@ bool SearchService::step(int rows, const std::function<bool()>& isSpent)
 
 SearchService::Unit SearchService::unitAt(int ringRow) const
 {
-    // Parts of a line begin at rows that are fixed by their numbers, so that they are the same
-    // whenever the line is searched again.
     const int part = partRows();
     const auto continues = [&](int row) { return LogicalLine::continues(*m_buffer, row); };
     Unit unit{ringRow, ringRow, ringRow, ringRow};
-    while (continues(unit.last + 1) && (unit.last + 1 + m_buffer->linesTop) % part != 0)
+    while (continues(unit.last + 1) && unit.last - unit.first < part)
         ++unit.last;
+    // Parts of a line begin at rows that are fixed by their numbers, so that they are the same
+    // whenever the line is searched again.
+    const bool isWhole = !continues(unit.first) && unit.last - unit.first < part;
+    if (!isWhole) {
+        const int inPart = int((ringRow + m_buffer->linesTop) % part);
+        unit.last = std::min(unit.last, ringRow + part - 1 - inPart);
+    }
     const int before = std::max(1, part / 8);
     while (continues(unit.textFirst) && ringRow - unit.textFirst < before)
         --unit.textFirst;

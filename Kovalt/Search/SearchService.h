@@ -141,6 +141,7 @@ private:
     int m_cols = 0;
     int m_rows = 0;
     std::int64_t m_screenTop = 0;
+    std::int64_t m_end = 0;
 };
 
 } // namespace Kovalt

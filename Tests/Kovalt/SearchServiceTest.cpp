@@ -344,6 +344,17 @@ TEST_F(SearchInAScreen, ALineThatGrowsIsSearchedAsAWhole)
     EXPECT_EQ(found(), Matches{});
 }
 
+TEST_F(SearchInAScreen, ALineThatGoesOnInANewRowIsSearchedAsAWhole)
+{
+    screen.print("1\n2\n3\n4\nabcdefghij");
+    EXPECT_EQ(find(regex("jkl?|j$")), (Matches{inRow(4, 9, 10)}));
+
+    screen.print("k");
+    EXPECT_EQ(found(), (Matches{{{4, 9}, {5, 1}}}));
+    screen.print("l");
+    EXPECT_EQ(found(), (Matches{{{4, 9}, {5, 2}}}));
+}
+
 TEST_F(SearchInAScreen, RowsThatMoveInPlaceAreSearchedAgain)
 {
     screen.print("a\nb\na\nb\nb");
