@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -10,12 +11,14 @@ namespace Kovalt {
 
 namespace {
 
-/// Steps back that one search for a match may take, and the memory for them.
+/// Steps back that a match may take from one place where it could begin, and the memory for them.
 constexpr std::uint32_t MatchLimit = 20'000;
 constexpr std::uint32_t HeapLimitKilobytes = 4 << 10;
 constexpr std::size_t FirstStack = 32 << 10;
 constexpr std::size_t LargestStack = 512 << 10;
 constexpr std::size_t LongestQuery = 8 << 10;
+/// Places to begin at between two looks at the clock; a row of a screen is seldom longer.
+constexpr std::size_t StretchBytes = 128;
 
 struct Release {
     void operator()(pcre2_code* code) const { pcre2_code_free(code); }
@@ -48,6 +51,11 @@ std::string quoted(std::string_view text)
     return pattern + "\\E";
 }
 
+bool continuesCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 std::string describe(int error)
 {
     std::array<PCRE2_UCHAR, 256> message{};
@@ -66,7 +74,7 @@ Code compileText(std::string_view pattern, const SearchQuery& query, std::uint32
     }
     pcre2_set_compile_extra_options(context.get(), extra);
     const std::uint32_t options = PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF |
-                                  PCRE2_NEVER_BACKSLASH_C |
+                                  PCRE2_NEVER_BACKSLASH_C | PCRE2_USE_OFFSET_LIMIT |
                                   (query.isCaseSensitive ? 0 : PCRE2_CASELESS);
     int code = 0;
     PCRE2_SIZE offset = 0;
@@ -101,6 +109,16 @@ Code compileQuery(const SearchQuery& query, SearchError& error)
 }
 
 } // namespace
+
+bool SearchBudget::isSpent()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    const auto spent = std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+    if (!m_start)
+        m_start = spent;
+    return spent - *m_start >= m_time;
+}
 
 struct SearchPattern::Compiled {
     Code code;
@@ -138,12 +156,30 @@ std::unique_ptr<SearchPattern> SearchPattern::compile(const SearchQuery& query, 
     return std::unique_ptr<SearchPattern>(new SearchPattern(std::move(compiled)));
 }
 
-SearchPattern::Result SearchPattern::find(std::string_view text, std::size_t from, Ends ends) const
+SearchPattern::Result SearchPattern::find(std::string_view text, std::size_t from, Ends ends,
+                                          SearchBudget* budget) const
 {
-    if (from >= text.size())
-        return {};
+    while (from < text.size()) {
+        std::size_t end = std::min(text.size(), from + StretchBytes);
+        while (end < text.size() && continuesCharacter(text[end]))
+            ++end;
+        const Result result = findBeginning(text, from, end, ends);
+        if (result.outcome != Outcome::Nothing)
+            return result;
+        from = end;
+        if (from < text.size() && budget && budget->isSpent())
+            return {Outcome::GaveUp, 0, 0};
+    }
+    return {};
+}
+
+/// A match that begins in the bytes `from` up to but without `end`.
+SearchPattern::Result SearchPattern::findBeginning(std::string_view text, std::size_t from,
+                                                   std::size_t end, Ends ends) const
+{
     const std::uint32_t options =
         PCRE2_NOTEMPTY | (ends.beginsLine ? 0 : PCRE2_NOTBOL) | (ends.endsLine ? 0 : PCRE2_NOTEOL);
+    pcre2_set_offset_limit(m_compiled->context.get(), end - 1);
     const int found = pcre2_match(m_compiled->code.get(), units(text), text.size(), from, options,
                                   m_compiled->data.get(), m_compiled->context.get());
     if (found == PCRE2_ERROR_NOMATCH)

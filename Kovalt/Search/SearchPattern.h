@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,6 +29,21 @@ struct SearchError {
     bool operator==(const SearchError&) const = default;
 };
 
+/// Processor time of this thread that searches in one text may take. It begins with the first look,
+/// and a busy machine takes nothing of it.
+class SearchBudget {
+public:
+    explicit SearchBudget(std::chrono::nanoseconds time)
+        : m_time(time)
+    {
+    }
+    [[nodiscard]] bool isSpent();
+
+private:
+    std::chrono::nanoseconds m_time;
+    std::optional<std::chrono::nanoseconds> m_start;
+};
+
 /// A query made ready. Any text may be searched, and each search is bounded: a pattern that was
 /// made to be slow gives up. One thread at a time.
 class SearchPattern {
@@ -51,10 +67,14 @@ public:
     ~SearchPattern();
 
     /// The first match from the byte `from` on; what stands before it is seen, but not matched.
-    /// Empty matches are none.
-    [[nodiscard]] Result find(std::string_view text, std::size_t from, Ends ends) const;
+    /// Empty matches are none. In a long text it gives up when the budget is spent.
+    [[nodiscard]] Result find(std::string_view text, std::size_t from, Ends ends,
+                              SearchBudget* budget = nullptr) const;
 
 private:
+    [[nodiscard]] Result findBeginning(std::string_view text, std::size_t from, std::size_t end,
+                                       Ends ends) const;
+
     struct Compiled;
     explicit SearchPattern(std::unique_ptr<Compiled> compiled);
 

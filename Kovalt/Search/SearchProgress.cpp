@@ -4,6 +4,7 @@
 #include "Kovalt/Search/SearchService.h"
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <limits>
 #include <string_view>
@@ -15,6 +16,8 @@ namespace {
 /// Cells of a long logical line that are searched at once; as many behind them may belong to a
 /// match, and an eighth of them before may be looked at.
 constexpr int PartCells = 2048;
+/// What a line, or a part of one, may take.
+constexpr std::chrono::milliseconds LongestSearch{20};
 
 } // namespace
 
@@ -195,8 +198,9 @@ void SearchService::findIn(const Unit& unit)
     if (!m_matches.empty() && m_matches.back().end.row >= m_next)
         from = std::max(from, m_text->byteAt(m_matches.back().end));
     const std::size_t end = m_text->startOf(unit.last + 1);
+    SearchBudget budget(LongestSearch);
     while (from < end) {
-        const auto found = m_pattern->find(m_text->text(), from, ends);
+        const auto found = m_pattern->find(m_text->text(), from, ends, &budget);
         if (found.outcome == SearchPattern::Outcome::GaveUp)
             m_givenUp.insert(m_next);
         if (found.outcome != SearchPattern::Outcome::Found || found.begin >= end)

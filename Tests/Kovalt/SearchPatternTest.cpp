@@ -159,4 +159,33 @@ TEST(SearchPattern, APatternThatWasMadeToBeSlowGivesUp)
     EXPECT_EQ(matches("(a+)+[bc]{2}", text + "b", Regex), Texts{"gave up"});
 }
 
+TEST(SearchPattern, InALongTextThePatternGivesUpWhenItsTimeIsOver)
+{
+    SearchError error;
+    const auto pattern = SearchPattern::compile(query("b", None), error);
+    ASSERT_TRUE(pattern);
+    const auto find = [&pattern](const std::string& text) {
+        SearchBudget none(std::chrono::nanoseconds(0));
+        return pattern->find(text, 0, {}, &none).outcome;
+    };
+
+    EXPECT_EQ(find(std::string(80, 'a')), Outcome::Nothing);
+    EXPECT_EQ(find(std::string(4000, 'a')), Outcome::GaveUp);
+    EXPECT_EQ(find("ab" + std::string(4000, 'a')), Outcome::Found);
+    EXPECT_EQ(pattern->find(std::string(4000, 'a'), 0, {}).outcome, Outcome::Nothing);
+}
+
+TEST(SearchPattern, AMatchIsFoundWhereverItBeginsInALongText)
+{
+    for (const std::string filler : {"x", "\u00e9", "\u4e2d", "\U0001F468"}) {
+        std::string text;
+        for (int i = 0; i < 700; ++i) {
+            SCOPED_TRACE(i);
+            ASSERT_EQ(matches("(?<!\\d)12.*", text + "12" + text, Regex), Texts{"12" + text});
+            ASSERT_EQ(matches("1" + filler, text + "1" + filler), Texts{"1" + filler});
+            text += filler;
+        }
+    }
+}
+
 } // namespace Kovalt
