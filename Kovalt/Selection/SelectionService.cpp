@@ -171,9 +171,10 @@ bool SelectionService::stillShows(const ShownRow& shown) const
     return true;
 }
 
-void SelectionService::adjustForInPlaceScroll(int top, int bottom, int lines)
+void SelectionService::adjustForInPlaceScroll(const Buffer& buffer, int top, int bottom, int lines)
 {
-    if (!m_active || lines == 0)
+    // Within one feed a program may work on the other buffer and come back.
+    if (!m_active || lines == 0 || &buffer != m_buffer)
         return;
     const std::int64_t first = top + m_buffer->linesTop;
     const std::int64_t last = bottom + m_buffer->linesTop;

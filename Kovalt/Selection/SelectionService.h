@@ -52,7 +52,7 @@ public:
     /// The text in UTF-8, empty without a selection. See `SelectionRules::text`.
     [[nodiscard]] std::string text() const;
 
-    void adjustForInPlaceScroll(int top, int bottom, int lines) override;
+    void adjustForInPlaceScroll(const Buffer& buffer, int top, int bottom, int lines) override;
 
 private:
     struct Active {

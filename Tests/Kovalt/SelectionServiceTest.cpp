@@ -33,14 +33,14 @@ protected:
     void shiftUp(int top, int bottom, int n)
     {
         screen.buffer.shiftRowsUp(top, bottom, n, {}, {});
-        selection.adjustForInPlaceScroll(screen.buffer.yBase + top, screen.buffer.yBase + bottom,
-                                         -n);
+        selection.adjustForInPlaceScroll(screen.buffer, screen.buffer.yBase + top,
+                                         screen.buffer.yBase + bottom, -n);
     }
     void shiftDown(int top, int bottom, int n)
     {
         screen.buffer.shiftRowsDown(top, bottom, n, {}, {});
-        selection.adjustForInPlaceScroll(screen.buffer.yBase + top, screen.buffer.yBase + bottom,
-                                         n);
+        selection.adjustForInPlaceScroll(screen.buffer, screen.buffer.yBase + top,
+                                         screen.buffer.yBase + bottom, n);
     }
     std::string textAfterSync()
     {
@@ -578,6 +578,26 @@ TEST(SelectionService, FollowsATerminal)
     terminal.feed("\x1b[?1049h");
     selection.setBuffer(terminal.buffer());
     EXPECT_EQ(selection.text(), "");
+    terminal.unregisterSelection(&selection);
+}
+
+TEST(SelectionService, ScrollingOfTheOtherBufferLeavesTheSelectionAlone)
+{
+    TerminalOptions options;
+    options.cols = 20;
+    options.rows = 3;
+    options.scrollback = 100;
+    Terminal terminal(nullptr, options);
+    SelectionService selection(terminal.buffer(), terminal.graphemes());
+    terminal.registerSelection(&selection);
+    terminal.feed("one\r\ntwo\r\nthree\r\nfour\r\nfive\r\nsix");
+    selection.start(SelectionMode::Word, left(1, 1));
+
+    terminal.feed("\x1b[?1049h\x1b[1;2r\x1b[S\x1b[r\x1b[?1049l");
+    selection.setBuffer(terminal.buffer());
+    selection.sync();
+
+    EXPECT_EQ(selection.text(), "two");
     terminal.unregisterSelection(&selection);
 }
 
