@@ -21,10 +21,10 @@ void SelectionService::setBuffer(const Buffer& buffer)
     clear();
 }
 
-void SelectionService::change(std::optional<Active> next)
+void SelectionService::change(const std::optional<Active>& next)
 {
     if (m_active != next) {
-        m_active = std::move(next);
+        m_active = next;
         ++m_revision;
     }
     remember();

@@ -68,7 +68,7 @@ private:
         std::vector<std::int32_t> codes;
     };
 
-    void change(std::optional<Active> next);
+    void change(const std::optional<Active>& next);
     void remember();
     [[nodiscard]] bool stillShows(const ShownRow& shown) const;
     [[nodiscard]] std::optional<Active> clipped(std::int64_t top, std::int64_t bottom) const;

@@ -479,6 +479,22 @@ TEST(SearchService, AVeryLongLineIsSearchedInParts)
     EXPECT_EQ(all(search), (Matches{inRow(0, 0, 3)}));
 }
 
+TEST(SearchService, ALineThatIsNotLongIsNotCutWhereverItBegins)
+{
+    for (int above = 0; above < 26; ++above) {
+        SCOPED_TRACE(above);
+        Screen screen(80, 60);
+        screen.printRuns(std::string(std::size_t(above), '\n') + "<" + std::string(1900, 'a') +
+                         ">");
+        SearchService search(screen.buffer, screen.graphemes);
+
+        search.setQuery(regex("(?<=^<a{1800})a+>$"));
+        search.step(Everything);
+
+        ASSERT_EQ(all(search), (Matches{{{above + 22, 41}, {above + 23, 62}}}));
+    }
+}
+
 TEST(SearchService, AMatchAcrossPartsIsFoundOnce)
 {
     Screen screen(80, 25, 1000);
