@@ -38,8 +38,9 @@ struct SearchHighlight {
 /// A logical line of more than 2,000 cells is searched in parts; a match in it may be cut after
 /// about as many.
 ///
-/// Call `step` while it returns true, and again after output; `sync` alone follows the buffer
-/// without searching. Everything else tells what was found until then. One thread at a time.
+/// Call `step` while it returns true, and again after output and after each change of the size;
+/// `sync` alone follows the buffer without searching. Everything else tells what was found until
+/// then. One thread at a time.
 class SearchService {
 public:
     /// More matches are not kept: the oldest give way.

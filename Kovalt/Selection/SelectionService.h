@@ -19,7 +19,8 @@ class GraphemeTable;
 /// The same text written again keeps it.
 ///
 /// Register it at the terminal, call `setBuffer` when another buffer becomes active, and `sync`
-/// after output, before anything is read. The verbs do so themselves. One thread at a time.
+/// after output and after each change of the size, before anything is read. The verbs do so
+/// themselves. One thread at a time.
 class SelectionService final : public TerminalSelection {
 public:
     /// Both must outlive the service.
