@@ -60,6 +60,7 @@ public:
 
     void run()
     {
+        setQuery();
         while (m_input.remaining_bytes() > 0) {
             act();
             follow();
@@ -72,7 +73,7 @@ public:
 private:
     void act()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 10)) {
+        switch (m_input.ConsumeIntegralInRange(0, 13)) {
         case 0:
             m_terminal.resize(m_input.ConsumeIntegralInRange(2, 20),
                               m_input.ConsumeIntegralInRange(1, 6));
@@ -105,9 +106,26 @@ private:
         case 8:
             m_selection.selectAll();
             break;
-        default:
+        case 9:
+        case 10:
             m_terminal.feed(m_input.ConsumeRandomLengthString(64));
+            break;
+        case 11:
+            requireSameAsAFreshSearch();
+            break;
+        default:
+            printFewLetters();
         }
+    }
+
+    /// Text in which short patterns are found.
+    void printFewLetters()
+    {
+        std::string text;
+        for (int length = m_input.ConsumeIntegralInRange(0, 24); length > 0; --length)
+            text += m_input.PickValueInArray<const char*>(
+                {"a", "b", "a", "b", " ", "\u4e2d", "e\u0301", "\r\n"});
+        m_terminal.feed(text);
     }
 
     void setQuery()
@@ -116,7 +134,10 @@ private:
         query.isRegularExpression = m_input.ConsumeBool();
         query.isCaseSensitive = m_input.ConsumeBool();
         query.isWholeWord = m_input.ConsumeBool();
-        query.text = m_input.ConsumeRandomLengthString(24);
+        query.text = m_input.ConsumeBool()
+                         ? m_input.ConsumeRandomLengthString(24)
+                         : m_input.PickValueInArray<const char*>(
+                               {"a", "ab", "aba", "b a", "a.b", "a+b", "^b", "a$", "\\bab\\b"});
         const auto error = m_search.setQuery(query);
         require(!error || !error->message.empty(), "an error says why");
         require(!error || error->offset <= query.text.size(), "an error is in the query");
