@@ -73,7 +73,7 @@ public:
 private:
     void act()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 13)) {
+        switch (m_input.ConsumeIntegralInRange(0, 14)) {
         case 0:
             m_terminal.resize(m_input.ConsumeIntegralInRange(2, 20),
                               m_input.ConsumeIntegralInRange(1, 6));
@@ -111,6 +111,12 @@ private:
             m_terminal.feed(m_input.ConsumeRandomLengthString(64));
             break;
         case 11:
+            // Up to the last column, where the next character wraps.
+            for (int x = m_terminal.buffer().x; x < m_terminal.cols(); ++x)
+                m_terminal.feed(m_input.ConsumeBool() ? "a" : "b");
+            requireSameAsAFreshSearch();
+            break;
+        case 12:
             requireSameAsAFreshSearch();
             break;
         default:
