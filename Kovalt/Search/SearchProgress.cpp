@@ -38,7 +38,6 @@ void SearchService::restart()
     m_cols = m_buffer->cols();
     m_rows = m_buffer->rows();
     m_screenTop = m_buffer->linesTop + m_buffer->yBase;
-    m_end = endRow();
 }
 
 void SearchService::dropEvicted()
@@ -58,7 +57,6 @@ void SearchService::dropFrom(std::int64_t row)
     if (row >= m_next)
         return;
     m_next = row;
-    m_stamps.resize(std::size_t(row - m_first));
     while (!m_matches.empty() && m_matches.back().begin.row >= row)
         m_matches.pop_back();
     m_givenUp.erase(m_givenUp.lower_bound(row), m_givenUp.end());
@@ -71,6 +69,15 @@ SearchService::RowStamp SearchService::stampOf(int ringRow)
             LogicalLine::continues(*m_buffer, ringRow)};
 }
 
+bool SearchService::stillShows(std::int64_t row, const RowStamp& stamp)
+{
+    const int ringRow = int(row - m_buffer->linesTop);
+    // The oldest row had others before it, which it no longer continues.
+    if (LogicalLine::continues(*m_buffer, ringRow) != (stamp.continues && ringRow > 0))
+        return false;
+    return !stamp.text || stampOf(ringRow).text == stamp.text;
+}
+
 /// Only rows that were on the screen can have changed. They are compared by what they show: a
 /// generation tells that a row was written, not which row stands there after others have moved.
 std::optional<std::int64_t> SearchService::firstChangedRow()
@@ -78,26 +85,18 @@ std::optional<std::int64_t> SearchService::firstChangedRow()
     const std::int64_t top = m_buffer->linesTop + m_buffer->yBase;
     const int grown = std::max(0, m_buffer->rows() - m_rows);
     const std::int64_t from = std::max(std::min(top, m_screenTop - grown), m_first);
-    const std::int64_t end = std::min(m_next, endRow());
+    const std::int64_t end = m_first + std::int64_t(m_stamps.size());
     for (std::int64_t row = from; row < end; ++row) {
-        const int ringRow = int(row - m_buffer->linesTop);
-        const RowStamp& stamp = m_stamps[std::size_t(row - m_first)];
-        // The oldest row had others before it, which it no longer continues.
-        if (stampOf(ringRow) != RowStamp{stamp.text, stamp.continues && ringRow > 0})
+        if (!stillShows(row, m_stamps[std::size_t(row - m_first)]))
             return row;
     }
-    if (end < m_next)
-        return end;
-    // What was the last line may go on in a row that has come since.
-    const bool goesOn = m_end > m_first && m_end < endRow() &&
-                        LogicalLine::continues(*m_buffer, int(m_end - m_buffer->linesTop));
-    return goesOn ? std::optional(m_end) : std::nullopt;
+    return std::nullopt;
 }
 
 /// The first row whose matches may depend on this one, which has changed.
 std::int64_t SearchService::rescanStart(std::int64_t row) const
 {
-    const bool continued = row < m_next && m_stamps[std::size_t(row - m_first)].continues;
+    const bool continued = m_stamps[std::size_t(row - m_first)].continues;
     int ringRow = int(row - m_buffer->linesTop);
     if (ringRow > 0 && (continued || LogicalLine::continues(*m_buffer, ringRow)))
         --ringRow;
@@ -128,8 +127,13 @@ void SearchService::sync()
         return;
     }
     dropEvicted();
-    if (const auto changed = firstChangedRow())
+    if (const auto changed = firstChangedRow()) {
         dropFrom(rescanStart(*changed));
+        // What is kept has seen nothing from there on.
+        for (auto at = std::size_t(*changed - m_first); at < m_stamps.size(); ++at)
+            m_stamps[at] = stampOf(int(std::int64_t(at) + m_first - m_buffer->linesTop));
+    }
+    dropFrom(endRow());
     m_rows = m_buffer->rows();
     m_screenTop = m_buffer->linesTop + m_buffer->yBase;
 }
@@ -181,9 +185,12 @@ int SearchService::searchUnit()
 {
     const Unit unit = unitAt(int(m_next - m_buffer->linesTop));
     m_text->assign(unit.textFirst, unit.textLast);
-    for (int row = unit.first; row <= unit.last; ++row)
+    // Also of the rows behind it that it looks at: they may change before they are searched.
+    m_stamps.resize(std::size_t(m_next - m_first));
+    for (int row = unit.first; row <= unit.textLast; ++row)
         m_stamps.push_back({std::hash<std::string_view>()(m_text->rowText(row)),
                             LogicalLine::continues(*m_buffer, row)});
+    m_stamps.push_back({std::nullopt, LogicalLine::continues(*m_buffer, unit.textLast + 1)});
     findIn(unit);
     m_next += unit.last - unit.first + 1;
     return unit.textLast - unit.textFirst + 1;

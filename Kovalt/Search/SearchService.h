@@ -86,12 +86,10 @@ public:
     [[nodiscard]] std::vector<SearchHighlight> highlights(int firstRow, int lastRow) const;
 
 private:
-    /// What a row that was searched looked like.
+    /// What a row looked like when it was searched.
     struct RowStamp {
-        std::size_t text;
-        bool continues;
-
-        bool operator==(const RowStamp&) const = default;
+        std::optional<std::size_t> text; ///< None if only `continues` mattered.
+        bool continues = false;
     };
     struct Unit {
         int first; ///< The rows whose matches are wanted, of the ring.
@@ -104,6 +102,7 @@ private:
     void dropEvicted();
     void dropFrom(std::int64_t row);
     [[nodiscard]] RowStamp stampOf(int ringRow);
+    [[nodiscard]] bool stillShows(std::int64_t row, const RowStamp& stamp);
     [[nodiscard]] std::optional<std::int64_t> firstChangedRow();
     [[nodiscard]] std::int64_t rescanStart(std::int64_t row) const;
     [[nodiscard]] int partRows() const;
@@ -126,7 +125,8 @@ private:
     std::optional<SearchText> m_text;
 
     std::deque<TextRange> m_matches;
-    std::deque<RowStamp> m_stamps;    ///< Of the rows from `m_first` up to `m_next`.
+    /// Of the rows from `m_first` up to `m_next`, and behind it as far as was looked at.
+    std::deque<RowStamp> m_stamps;
     std::set<std::int64_t> m_givenUp; ///< Where the units begin.
     std::int64_t m_first = 0;
     std::int64_t m_next = 0; ///< The row where the search goes on.
@@ -142,7 +142,6 @@ private:
     int m_cols = 0;
     int m_rows = 0;
     std::int64_t m_screenTop = 0;
-    std::int64_t m_end = 0;
 };
 
 } // namespace Kovalt

@@ -329,6 +329,18 @@ TEST_F(SearchInAScreen, ALineThatGoesOnInANewRowIsSearchedAsAWhole)
     EXPECT_EQ(found(), (Matches{{{4, 9}, {5, 2}}}));
 }
 
+TEST_F(SearchInAScreen, ALineThatGoesOnInARowNotYetSearchedIsSearchedAsAWhole)
+{
+    screen.print("1\nabcdefghij");
+    EXPECT_FALSE(search.setQuery(regex("jkl?|j$")));
+    EXPECT_TRUE(search.step(2));
+    EXPECT_EQ(all(search), (Matches{inRow(1, 9, 10)}));
+
+    screen.print("k");
+
+    EXPECT_EQ(found(), (Matches{{{1, 9}, {2, 1}}}));
+}
+
 TEST_F(SearchInAScreen, RowsThatMoveInPlaceAreSearchedAgain)
 {
     screen.print("a\nb\na\nb\nb");
