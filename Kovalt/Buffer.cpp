@@ -99,6 +99,7 @@ void Buffer::fillViewportRows(const Attribute& attribute)
 void Buffer::clear()
 {
     m_lines.trimStart(m_lines.count());
+    ++m_numbering;
     m_linesWithImagesCount = 0;
     x = y = 0;
     yBase = yDisp = 0;

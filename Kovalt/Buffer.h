@@ -58,7 +58,7 @@ public:
     int xBase = 0;
     int yBase = 0;
     /// Rows that have left the ring at its top since it was made. A row's index plus this stays
-    /// the same as long as the row lives, until the next reflow.
+    /// the same as long as the row lives, until the next reflow (`numbering`).
     std::int64_t linesTop = 0;
     int scrollTop = 0;
     int scrollBottom = 0;
@@ -83,6 +83,8 @@ public:
     SemanticState semantic;
     BidiPresentationState defaultBidiState;
 
+    /// Another number whenever rows are numbered anew: by a reflow and by `clear`.
+    [[nodiscard]] std::uint64_t numbering() const { return m_numbering; }
     [[nodiscard]] int cols() const { return m_cols; }
     [[nodiscard]] int rows() const { return m_rows; }
     [[nodiscard]] bool hasScrollback() const { return m_scrollback.has_value(); }
@@ -192,6 +194,7 @@ private:
     int m_rows;
     std::optional<int> m_scrollback;
     int m_linesWithImagesCount = 0;
+    std::uint64_t m_numbering = 0;
     BufferHost* m_host = nullptr;
     CircularBufferLineList m_lines;
 };

@@ -104,6 +104,7 @@ void Buffer::reflow(int oldCols, int cursorX, int savedCursorX)
     places[View] = {yDisp, 0};
     places[Prompt] = {int(promptRow), 0};
 
+    ++m_numbering;
     const int oldCount = m_lines.count();
     // Empty rows below the cursor give way to rows that narrowing adds, before history does.
     const auto limit = std::size_t(m_lines.maxLength()) + std::size_t(m_rows);

@@ -62,6 +62,28 @@ int firstRowOf(const Buffer& buffer, std::uint64_t group, int row)
     return first;
 }
 
+/// Whether the oldest text in the ring is a command's output. Then its mark has left the history.
+bool beginsInOutput(const Buffer& buffer)
+{
+    for (int row = 0; row < buffer.lines().count(); ++row) {
+        const BufferLine* const line = buffer.lines().peek(row);
+        const auto cells = line ? line->live() : std::span<const CharData>();
+        const auto text = std::find_if(cells.begin(), cells.end(),
+                                       [](const CharData& cell) { return cell.code != 0; });
+        if (text != cells.end())
+            return text->semantic == SemanticCode::Output;
+    }
+    return false;
+}
+
+/// Whether the oldest mark in the ring, in this row, is the end of the group's command.
+bool beginsWithEndOf(const Buffer& buffer, std::uint64_t group, int row)
+{
+    const auto marks = sortedMarks(buffer, row);
+    return !marks.empty() && marks.front().kind == Kind::CommandEnd &&
+           marks.front().group == group && groupAt(buffer, row - 1) == 0;
+}
+
 Position behindLastText(const Buffer& buffer)
 {
     for (int row = buffer.lines().count() - 1; row >= 0; --row) {
@@ -93,11 +115,16 @@ std::optional<SemanticPromptAnchor> ShellMarks::nextPrompt(const Buffer& buffer,
 std::optional<CellRange> ShellMarks::commandOutput(const Buffer& buffer, int row)
 {
     row = std::min(row, buffer.lines().count() - 1);
-    const std::uint64_t group = groupAt(buffer, row);
-    if (group == 0)
+    if (row < 0)
         return std::nullopt;
+    const std::uint64_t group = groupAt(buffer, row);
+    const int first = group == 0 ? 0 : firstRowOf(buffer, group, row);
     std::optional<Position> start;
-    for (int at = firstRowOf(buffer, group, row); at < buffer.lines().count(); ++at) {
+    if ((group == 0 || beginsWithEndOf(buffer, group, first)) && beginsInOutput(buffer))
+        start = Position{};
+    else if (group == 0)
+        return std::nullopt;
+    for (int at = first; at < buffer.lines().count(); ++at) {
         for (const SemanticMark& mark : sortedMarks(buffer, at)) {
             const Position place{mark.column, at};
             if (mark.group == group && mark.kind == Kind::Output && !start)

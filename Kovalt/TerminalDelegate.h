@@ -16,6 +16,7 @@
 
 namespace Kovalt {
 
+class Buffer;
 class Terminal;
 
 /// Whom a terminal tells what happened and asks what it can't know. Called on the thread that
@@ -95,9 +96,9 @@ public:
 /// What marks text on the screen and moves along when rows move in place.
 class TerminalSelection {
 public:
-    /// The rows `top` to `bottom` of the ring have moved by `lines`, upwards if it is negative;
-    /// what passed their edge is lost.
-    virtual void adjustForInPlaceScroll(int top, int bottom, int lines) = 0;
+    /// The rows `top` to `bottom` of a buffer's ring have moved by `lines`, upwards if it is
+    /// negative; what passed their edge is lost.
+    virtual void adjustForInPlaceScroll(const Buffer& buffer, int top, int bottom, int lines) = 0;
 
 protected:
     ~TerminalSelection() = default;

@@ -53,7 +53,8 @@ void Terminal::noteInPlaceScroll(int top, int bottom, int lines)
 {
     updateRows(top, bottom);
     for (TerminalSelection* const selection : m_selections)
-        selection->adjustForInPlaceScroll(m_buffer->yBase + top, m_buffer->yBase + bottom, lines);
+        selection->adjustForInPlaceScroll(*m_buffer, m_buffer->yBase + top,
+                                          m_buffer->yBase + bottom, lines);
 }
 
 /// A paragraph does not go on over the edge of a region whose rows have moved.

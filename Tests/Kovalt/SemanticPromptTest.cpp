@@ -325,6 +325,60 @@ TEST(ShellMarks, TheOutputOfOneCommand)
     EXPECT_EQ(outputAt(harness, -1), "none");
 }
 
+TEST(ShellMarks, MarksFollowTheirRowsAndLeaveWithThem)
+{
+    TerminalHarness harness(20, 4, 6);
+    harness.feed(command("a", "1\r\n") + command("b", "2\r\n3\r\n") + mark("A") + "$ ");
+    const Buffer& buffer = harness.terminal.buffer();
+    ASSERT_EQ(ShellMarks::nextPrompt(buffer, 0)->position, (Position{0, 2}));
+
+    // A region of the screen moves in place: the last prompt goes up, what it covers is lost.
+    harness.feed("\x1b[3;4r\x1b[S\x1b[r");
+    EXPECT_EQ(ShellMarks::nextPrompt(buffer, 2)->position, (Position{0, 4}));
+    EXPECT_EQ(outputAt(harness, 3), "2\n");
+
+    harness.feed("\x1b[4;1H" + times(6, "\r\n"));
+    ASSERT_EQ(buffer.linesTop, 2);
+    EXPECT_EQ(ShellMarks::nextPrompt(buffer, 0)->position, (Position{0, 2}));
+    EXPECT_EQ(ShellMarks::previousPrompt(buffer, 2)->position, (Position{0, 0}));
+    EXPECT_EQ(outputAt(harness, 0), "2\n");
+    harness.feed("\r\n");
+    EXPECT_FALSE(ShellMarks::previousPrompt(buffer, 1));
+}
+
+TEST(ShellMarks, MarksFollowTheirTextThroughAReflow)
+{
+    TerminalHarness harness(20, 4, 50);
+    harness.feed(command("a", "123456789\r\n") + command("b", "2\r\n") + mark("A") + "$ ");
+
+    harness.onBoth([](Terminal& terminal) { terminal.resize(4, 4); });
+
+    const Buffer& buffer = harness.terminal.buffer();
+    EXPECT_EQ(ShellMarks::nextPrompt(buffer, 0)->position, (Position{0, 4}));
+    EXPECT_EQ(outputAt(harness, 2), "123456789\n");
+    EXPECT_EQ(outputAt(harness, 5), "2\n");
+}
+
+TEST(ShellMarks, OfOutputWhoseBeginningIsLostTheRestIsFound)
+{
+    for (const bool tellsEnd : {true, false}) {
+        SCOPED_TRACE(tellsEnd);
+        TerminalHarness harness(20, 4, 2);
+        harness.feed(mark("A") + "$ " + mark("B") + "a\r\n" + mark("C") +
+                     "1\r\n2\r\n3\r\n4\r\n5\r\n");
+        ASSERT_EQ(harness.terminal.buffer().linesTop, 1);
+        EXPECT_EQ(outputAt(harness, 1), "1\n2\n3\n4\n5");
+
+        harness.feed("6\r\n7" + (tellsEnd ? mark("D;0") : "") + "\r\n");
+        for (int row = 0; row < 5; ++row)
+            EXPECT_EQ(outputAt(harness, row), "3\n4\n5\n6\n7") << row;
+
+        harness.feed(mark("A") + "$ ");
+        EXPECT_EQ(outputAt(harness, 1), tellsEnd ? "3\n4\n5\n6\n7" : "3\n4\n5\n6\n7\n");
+        EXPECT_EQ(outputAt(harness, 5), "none");
+    }
+}
+
 TEST(ShellMarks, ACommandWithoutOutputYetHasNone)
 {
     TerminalHarness harness;

@@ -292,7 +292,7 @@ TEST(TerminalEdit, SelectionsHearOfRowsThatMoveInPlace)
 {
     struct Selection final : TerminalSelection {
         std::string calls;
-        void adjustForInPlaceScroll(int top, int bottom, int lines) override
+        void adjustForInPlaceScroll(const Buffer&, int top, int bottom, int lines) override
         {
             calls += std::to_string(top) + "-" + std::to_string(bottom) + " " +
                      std::to_string(lines) + ";";
