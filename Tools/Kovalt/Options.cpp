@@ -20,7 +20,8 @@ kovalt [OPTIONS] --replay FILE      feeds what was recorded, without a program
   --history         the history too
   --after MS        end after so many milliseconds, whatever the program does
   --send KEYS       type this first: text, and keys such as <Enter> <C-c> <A-x> <S-Tab> <F5> <Up>,
-                    <lt> for "<" and <Wait 500> for half a second
+                    <lt> for "<", <Wait 500> for half a second, <Until text> for what must be on the
+                    screen before it goes on
   --timeout MS      as --after, but the exit status is 124
   --help, --version
 

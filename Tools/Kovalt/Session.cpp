@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <utility>
 
 namespace KovaltTool {
 namespace {
@@ -84,14 +85,14 @@ int Session::run()
         m_loop.startTimer(*m_options.after, [this] { end(0); });
     if (m_options.timeout)
         m_loop.startTimer(*m_options.timeout, [this] { end(TimedOut); });
+    m_rawInput.emplace();
     launch();
     if (!m_status) {
-        m_rawInput.emplace();
         watchInput();
         type(0);
         m_loop.run();
-        m_rawInput.reset();
     }
+    m_rawInput.reset();
     return finish(m_status.value_or(Failed));
 }
 
@@ -173,26 +174,43 @@ void Session::watchSignals()
     });
 }
 
-/// Does the steps from this one on, up to the next time to wait.
+/// Does the steps from this one on, up to the next one that waits.
 void Session::type(std::size_t step)
 {
     for (; step < m_keys.size(); ++step) {
-        if (const auto* time = std::get_if<std::chrono::milliseconds>(&m_keys[step])) {
+        const KeyStep& key = m_keys[step];
+        if (const auto* text = std::get_if<std::string>(&key)) {
+            m_process.send(bytesOf(*text));
+        } else if (const auto* event = std::get_if<Kovalt::KittyKeyEvent>(&key)) {
+            press(*event);
+        } else if (const auto* time = std::get_if<std::chrono::milliseconds>(&key)) {
             m_loop.startTimer(*time, [this, next = step + 1] { type(next); });
             return;
+        } else {
+            m_awaitedStep = step;
+            return goOnIfShown();
         }
-        if (const auto* text = std::get_if<std::string>(&m_keys[step])) {
-            m_process.send(bytesOf(*text));
-            continue;
-        }
-        const Kovalt::TerminalModes& modes = m_terminal.modes();
-        const auto bytes = Kovalt::KittyKeyboardEncoder::encode(
-            m_terminal.keyboardMode().flags(), std::get<Kovalt::KittyKeyEvent>(m_keys[step]),
-            {.applicationCursor = modes.applicationCursor,
-             .applicationKeypad = modes.applicationKeypad});
-        if (bytes)
-            m_process.send(bytesOf(*bytes));
     }
+}
+
+void Session::press(const Kovalt::KittyKeyEvent& key)
+{
+    const Kovalt::TerminalModes& modes = m_terminal.modes();
+    const auto bytes =
+        Kovalt::KittyKeyboardEncoder::encode(m_terminal.keyboardMode().flags(), key,
+                                             {.applicationCursor = modes.applicationCursor,
+                                              .applicationKeypad = modes.applicationKeypad});
+    if (bytes)
+        m_process.send(bytesOf(*bytes));
+}
+
+void Session::goOnIfShown()
+{
+    const auto& awaited = std::get<AwaitedText>(m_keys[*m_awaitedStep]);
+    if (Kovalt::ScreenDump::text(m_terminal).find(awaited.text) == std::string::npos)
+        return;
+    const std::size_t next = *std::exchange(m_awaitedStep, std::nullopt) + 1;
+    type(next);
 }
 
 void Session::end(int status)
@@ -280,6 +298,8 @@ void Session::dataReceived(std::span<const std::uint8_t> slice)
     if (m_record.is_open())
         m_record.write(reinterpret_cast<const char*>(slice.data()), std::streamsize(slice.size()));
     m_terminal.feed(slice);
+    if (m_awaitedStep)
+        goOnIfShown();
 }
 
 winsize Session::getWindowSize()

@@ -53,6 +53,8 @@ private:
     void watchInput();
     void watchSignals();
     void type(std::size_t step);
+    void press(const Kovalt::KittyKeyEvent& key);
+    void goOnIfShown();
     void end(int status);
     [[nodiscard]] bool writeDump() const;
 
@@ -62,7 +64,8 @@ private:
     Kovalt::PollLoop m_loop;
     Kovalt::PollLoop::Id m_timer = 0;
     Kovalt::PollLoop::Id m_input = 0;
-    bool m_waitsForProgram = false; ///< Before more of standard input is read.
+    std::optional<std::size_t> m_awaitedStep; ///< The keys go on once its text is shown.
+    bool m_waitsForProgram = false;           ///< Before more of standard input is read.
     std::optional<RawInput> m_rawInput;
     std::ofstream m_record;
     int m_signals = -1;
