@@ -149,7 +149,7 @@ std::variant<Options, Ending> parseOptions(const std::vector<std::string>& argum
         const std::string value =
             equals == std::string::npos ? arguments[++next] : arguments[next].substr(equals + 1);
         if (!setter->second(options, value))
-            return mistake(name + " can't be \"" + value + "\"");
+            return mistake(std::string(name).append(" can't be \"").append(value).append("\""));
     }
     if (next < arguments.size())
         options.command.assign(arguments.begin() + std::ptrdiff_t(next) + 1, arguments.end());
