@@ -33,10 +33,10 @@ done
 install_packages
 [ -d build/release/Bralto.app ] || echo "Building Bralto; the first time takes some minutes." >&2
 if [ -t 1 ]; then
-    build_preset release Bralto BraltoDesktop BundledDemoAgent
+    build_preset release Bralto BraltoDesktop BundledDemoAgent kovalt
 else
     log=$(mktemp)
-    build_preset release Bralto BraltoDesktop BundledDemoAgent >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    build_preset release Bralto BraltoDesktop BundledDemoAgent kovalt >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
     rm -f "$log"
 fi
 

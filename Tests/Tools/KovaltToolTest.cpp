@@ -284,9 +284,10 @@ TEST_F(KovaltTool, WritesTheScreenAsText)
     EXPECT_EQ(result.output, "one\ntwo 漢字\n\n");
 }
 
-TEST_F(KovaltTool, WritesNothingUnlessAsked)
+TEST_F(KovaltTool, WritesTheTextUnlessToldOtherwise)
 {
-    EXPECT_TRUE(run({"--", "echo", "x"}).output.isEmpty());
+    EXPECT_EQ(run({"--rows", "2", "--", "echo", "x"}).output, "x\n\n");
+    EXPECT_TRUE(run({"--dump", "none", "--", "echo", "x"}).output.isEmpty());
 }
 
 TEST_F(KovaltTool, WritesTheScreenAsSequencesThatMakeItAgain)

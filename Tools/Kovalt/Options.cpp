@@ -16,7 +16,8 @@ kovalt [OPTIONS] --replay FILE      feeds what was recorded, without a program
   --scrollback N    rows of history (500)
   --term NAME       the terminal that the program is told of (xterm-256color)
   --record FILE     keep all that the program writes
-  --dump FORM       write the screen at the end: text, sgr or json; SIGUSR1 writes it at once
+  --dump FORM       how to write the screen at the end: text, sgr, json or none (text); SIGUSR1
+                    writes it at once
   --history         the history too
   --after MS        end after so many milliseconds, whatever the program does
   --send KEYS       type this first: text, and keys such as <Enter> <C-c> <A-x> <S-Tab> <F5> <Up>,
@@ -47,6 +48,8 @@ std::optional<int> number(const std::string& text, int smallest, int largest)
 
 std::optional<DumpForm> dumpForm(const std::string& text)
 {
+    if (text == "none")
+        return DumpForm::None;
     if (text == "text")
         return DumpForm::Text;
     if (text == "sgr")
@@ -114,8 +117,9 @@ const std::map<std::string, Setter, std::less<>>& setters()
         {"--replay", intoText(&Options::replayFile)},
         {"--dump",
          [](Options& options, const std::string& text) {
-             options.dump = dumpForm(text);
-             return options.dump.has_value();
+             const auto form = dumpForm(text);
+             options.dump = form.value_or(options.dump);
+             return form.has_value();
          }},
         {"--after", intoTime(&Options::after)},
         {"--timeout", intoTime(&Options::timeout)},

@@ -8,7 +8,7 @@
 
 namespace KovaltTool {
 
-enum class DumpForm { Text, Sgr, Json };
+enum class DumpForm { None, Text, Sgr, Json };
 
 /// What the command line asks for.
 struct Options {
@@ -18,7 +18,7 @@ struct Options {
     std::string term = "xterm-256color";
     std::optional<std::string> recordFile;
     std::optional<std::string> replayFile;
-    std::optional<DumpForm> dump;
+    DumpForm dump = DumpForm::Text;
     bool withHistory = false;
     std::optional<std::chrono::milliseconds> after;
     std::optional<std::chrono::milliseconds> timeout;

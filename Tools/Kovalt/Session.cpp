@@ -225,12 +225,12 @@ void Session::end(int status)
 /// False if standard output doesn't take it.
 bool Session::writeDump() const
 {
-    if (!m_options.dump)
-        return true;
     const auto range = m_options.withHistory ? Kovalt::ScreenDump::Range::ScreenAndHistory
                                              : Kovalt::ScreenDump::Range::Screen;
     std::string dump;
-    switch (*m_options.dump) {
+    switch (m_options.dump) {
+    case DumpForm::None:
+        return true;
     case DumpForm::Text:
         dump = Kovalt::ScreenDump::text(m_terminal, range);
         break;
