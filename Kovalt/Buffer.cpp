@@ -101,6 +101,7 @@ void Buffer::clear()
     m_lines.trimStart(m_lines.count());
     m_linesWithImagesCount = 0;
     x = y = 0;
+    waits = false;
     yBase = yDisp = 0;
     linesTop = 0;
     scrollTop = 0;
@@ -117,6 +118,7 @@ void Buffer::softReset()
     savedCharset = 0;
     marginLeft = 0;
     marginRight = m_cols - 1;
+    savedWaits = false;
     savedOriginMode = savedMarginMode = savedWraparound = savedReverseWraparound = false;
 }
 

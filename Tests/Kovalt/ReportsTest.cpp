@@ -90,6 +90,7 @@ TEST(DeviceStatus, EveryRequestHasItsReply)
     expectReport(harness, "\x1b[?15n", Introducer::Csi, "?10n");
     expectReport(harness, "\x1b[?25n", Introducer::Csi, "?21n");
     expectReport(harness, "\x1b[?26n", Introducer::Csi, "?27;1;0;0n");
+    expectReport(harness, "\x1b[?53n", Introducer::Csi, "?53n");
     expectReport(harness, "\x1b[?55n", Introducer::Csi, "?53n");
     expectReport(harness, "\x1b[?56n", Introducer::Csi, "?57;1n");
     expectReport(harness, "\x1b[?62n", Introducer::Csi, "0*{");

@@ -80,10 +80,32 @@ TEST(WindowCommand, OtherListsAreNoCommand)
     TerminalHarness harness;
 
     for (const char* const list :
-         {"",      "0",  "3",    "3;1",    "3;1;2;3", "4;1",    "8;24", "9",  "9;4",
-          "9;1;1", "10", "10;3", "12",     "13;1",    "13;2;0", "14;1", "17", "18;0",
-          "22",    "23", "22;3", "22;0;0", "24",      "1;0",    "99"})
+         {"",    "0",     "3",  "3;1",  "3;1;2;3", "4;1",    "8;24",   "9",
+          "9;4", "9;1;1", "10", "10;3", "12",      "13;1",   "13;2;0", "14;1",
+          "17",  "18;0",  "22", "23",   "22;3",    "22;0;0", "24;1",   "1;0"})
         EXPECT_EQ(harness.replyTo(request(list)), "") << list;
+    EXPECT_TRUE(harness.delegate.windowCommands.empty());
+}
+
+TEST(WindowCommand, ThePageHasAsManyLinesAndColumnsAsAreAskedFor)
+{
+    TerminalHarness harness(20, 6);
+    const std::pair<const char*, WindowManipulationCommand> cases[] = {
+        {"\x1b[24t", {Kind::ResizeTo, 20, 24}},  {"\x1b[99t", {Kind::ResizeTo, 20, 99}},
+        {"\x1b[10*|", {Kind::ResizeTo, 20, 10}}, {"\x1b[132$|", {Kind::ResizeTo, 132, 6}},
+        {"\x1b[$|", {Kind::ResizeTo, 80, 6}},
+    };
+    for (const auto& [request, expected] : cases) {
+        SCOPED_TRACE(testing::PrintToString(request));
+        harness.delegate.windowCommands.clear();
+
+        expectNoReport(harness, request);
+
+        ASSERT_EQ(harness.delegate.windowCommands.size(), 1U);
+        EXPECT_TRUE(harness.delegate.windowCommands[0] == expected);
+    }
+    harness.delegate.windowCommands.clear();
+    harness.feed("\x1b[*|\x1b[5|\x1b[5>|");
     EXPECT_TRUE(harness.delegate.windowCommands.empty());
 }
 
