@@ -202,6 +202,8 @@ public:
 
     /// In place of the terminal and of an older handler; without one the terminal acts again.
     void registerOscHandler(std::int64_t code, OscHandler handler);
+    /// What the terminal does by itself, whoever is registered for the code.
+    void performOsc(std::int64_t code, std::span<const std::uint8_t> data);
     /// Must stay alive until it is taken off.
     void registerSelection(TerminalSelection* selection);
     void unregisterSelection(TerminalSelection* selection);
