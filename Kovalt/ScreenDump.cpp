@@ -23,18 +23,20 @@ public:
     void writeRow(const BufferLine& line)
     {
         int end = m_cols;
-        while (end > 0 && line[end - 1].code == 0 && line[end - 1].width != 0 &&
-               line[end - 1].attribute.bg == CellColor{})
+        while (end > 0 && isErased(line[end - 1]) && line[end - 1].attribute == Attribute{})
             --end;
         for (int column = 0; column < end;) {
             const CharData cell = line[column];
-            if (cell.code == 0) {
+            if (isErased(cell)) {
                 column += writeErased(line, column, end);
                 continue;
             }
             setLook(cell.attribute);
             setLink(cell.payload);
-            m_graphemes.appendText(m_text, cell.code);
+            if (cell.code == 0)
+                m_text += ' ';
+            else
+                m_graphemes.appendText(m_text, cell.code);
             column += std::max<int>(1, cell.width);
         }
     }
@@ -55,12 +57,20 @@ public:
     }
 
 private:
+    /// Where a wide character was cut in two, empty cells keep its looks; no sequence erases so.
+    static bool isErased(const CharData& cell)
+    {
+        Attribute look;
+        look.bg = cell.attribute.bg;
+        return cell.code == 0 && cell.width != 0 && cell.attribute == look;
+    }
+
     /// Erased cells are passed over; those with a background are erased once more.
     int writeErased(const BufferLine& line, int from, int end)
     {
         const CellColor background = line[from].attribute.bg;
         int to = from;
-        while (to < end && line[to].code == 0 && line[to].attribute.bg == background)
+        while (to < end && isErased(line[to]) && line[to].attribute.bg == background)
             ++to;
         const std::string count = std::to_string(to - from);
         if (background != CellColor{}) {

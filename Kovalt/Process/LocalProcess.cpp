@@ -53,6 +53,11 @@ void LocalProcess::send(std::span<const std::uint8_t> data)
         m_connection->send(data);
 }
 
+bool LocalProcess::isSendWaiting() const
+{
+    return m_running && m_connection->isSendWaiting();
+}
+
 void LocalProcess::terminate()
 {
     if (m_connection) {
@@ -91,6 +96,11 @@ void LocalProcess::setHostLogging(std::optional<std::string> directory)
 void LocalProcess::connectionReceived(std::span<const std::uint8_t> bytes)
 {
     m_delegate.dataReceived(bytes);
+}
+
+void LocalProcess::connectionSent()
+{
+    m_delegate.sendCompleted(*this);
 }
 
 void LocalProcess::connectionEnded()

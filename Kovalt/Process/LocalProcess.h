@@ -25,6 +25,8 @@ public:
     /// At most 131072 bytes.
     virtual void dataReceived(std::span<const std::uint8_t> slice) = 0;
     virtual winsize getWindowSize() = 0;
+    /// What had to wait behind `LocalProcess::send` is written.
+    virtual void sendCompleted(LocalProcess& /*source*/) {}
 };
 
 /// A program to run and what it runs with.
@@ -57,6 +59,8 @@ public:
     void startProcess(const ProcessStart& start);
     /// In order and without blocking. Dropped unless a program is running.
     void send(std::span<const std::uint8_t> data);
+    /// Something that was sent is not written yet; `sendCompleted` tells when it is.
+    [[nodiscard]] bool isSendWaiting() const;
     /// Closes the terminal and asks the program to end. Neither waits nor reports.
     void terminate();
     /// Gives the program's terminal the size that the delegate tells.
@@ -80,6 +84,7 @@ public:
 
 private:
     void connectionReceived(std::span<const std::uint8_t> bytes) override;
+    void connectionSent() override;
     void connectionEnded() override;
     void connectionExited(std::optional<int> status) override;
 

@@ -36,6 +36,8 @@ public:
     public:
         virtual ~Owner() = default;
         virtual void connectionReceived(std::span<const std::uint8_t> bytes) = 0;
+        /// What waited to be written is written.
+        virtual void connectionSent() = 0;
         /// Nothing more can be read or written.
         virtual void connectionEnded() = 0;
         /// The raw wait status; none if somebody else took it. What the child wrote came before.
@@ -54,6 +56,7 @@ public:
     /// The master; -1 once nothing can be read or written.
     [[nodiscard]] int descriptor() const { return m_descriptor; }
     void send(std::span<const std::uint8_t> bytes);
+    [[nodiscard]] bool isSendWaiting() const { return m_outgoing.isWaiting(); }
     /// To a child that has not been waited for.
     void signal(int number) const;
     /// Ends reading, writing and reports. What has been read already is still delivered. The child
@@ -80,6 +83,7 @@ private:
     void readAvailable();
     void receive(PendingData::Chunk chunk);
     void receiveSynchronously(PendingData::Chunk chunk);
+    void writeWaiting();
     void reportEnd();
     void watchExitFromThread();
     void reportExitWhenRead();

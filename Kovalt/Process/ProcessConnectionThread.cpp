@@ -44,7 +44,7 @@ void ProcessConnection::serve()
 
         constexpr int HangUp = POLLHUP | POLLERR;
         if (!m_ended && (events.master & (POLLOUT | HangUp)) != 0)
-            m_outgoing.flush(m_master.get());
+            writeWaiting();
         const auto isReadable = events.lookedForInput && (events.master & (POLLIN | HangUp)) != 0;
         if (!m_ended && isReadable)
             readAvailable();
@@ -133,6 +133,16 @@ void ProcessConnection::receiveSynchronously(PendingData::Chunk chunk)
         return;
     std::unique_lock lock(m_gateLock);
     m_gate.wait(lock, [this] { return m_taken || m_closed; });
+}
+
+void ProcessConnection::writeWaiting()
+{
+    if (!m_outgoing.isWaiting() || m_outgoing.flush(m_master.get()))
+        return;
+    post([self = shared_from_this()] {
+        if (self->m_owner != nullptr && !self->m_closed)
+            self->m_owner->connectionSent();
+    });
 }
 
 void ProcessConnection::reportEnd()

@@ -41,30 +41,75 @@ void requireSound(const BufferLine& line)
     }
 }
 
-void requireSound(const Terminal& terminal)
+void requireSound(const Buffer& buffer)
 {
-    const Buffer& buffer = terminal.buffer();
-    require(terminal.cols() == buffer.cols() && terminal.rows() == buffer.rows(), "size");
     require(buffer.x >= 0 && buffer.x <= buffer.cols(), "x");
     require(buffer.y >= 0 && buffer.y < buffer.rows(), "y");
     require(buffer.scrollTop >= 0 && buffer.scrollTop <= buffer.scrollBottom, "scrollTop");
     require(buffer.scrollBottom < buffer.rows(), "scrollBottom");
     require(buffer.marginLeft >= 0 && buffer.marginLeft <= buffer.marginRight, "marginLeft");
     require(buffer.marginRight < buffer.cols(), "marginRight");
-    require(buffer.lines().count() == buffer.yBase + buffer.rows(), "ring");
     require(buffer.lines().count() <= buffer.lines().maxLength(), "ring length");
     require(buffer.yDisp >= 0 && buffer.yDisp <= buffer.yBase, "yDisp");
     require(int(buffer.tabStops.size()) == buffer.cols(), "tab stops");
-    require(buffer.marginMode == terminal.modes().marginMode, "margin mode");
-    require(buffer.insertMode == terminal.modes().insertMode, "insert mode");
-    require(buffer.wraparound == terminal.modes().wraparound, "wraparound");
     for (int row = 0; row < buffer.lines().count(); ++row) {
         const BufferLine* const line = buffer.lines().peek(row);
         if (!line)
             continue;
         require(line->size() == buffer.cols(), "row size");
+        require(line->semanticMarks().size() <= std::size_t(4 * (buffer.cols() + 1)), "marks");
         requireSound(*line);
     }
+}
+
+void requireSound(const Terminal& terminal)
+{
+    const Buffer& buffer = terminal.buffer();
+    require(terminal.cols() == buffer.cols() && terminal.rows() == buffer.rows(), "size");
+    require(buffer.lines().count() == buffer.yBase + buffer.rows(), "ring");
+    require(buffer.marginMode == terminal.modes().marginMode, "margin mode");
+    require(buffer.insertMode == terminal.modes().insertMode, "insert mode");
+    require(buffer.wraparound == terminal.modes().wraparound, "wraparound");
+    requireSound(terminal.buffer(Terminal::BufferKind::Normal));
+    requireSound(terminal.buffer(Terminal::BufferKind::Alt));
+    const TitleState& titles = terminal.titles();
+    require(titles.terminalTitleStack.size() <= TitleState::MaximumStack, "titles");
+    require(titles.terminalIconStack.size() <= TitleState::MaximumStack, "icon titles");
+    require(terminal.keyboardMode().stack().size() <= KeyboardModeState::MaximumStack, "keyboard");
+}
+
+/// All that a host can see of both.
+void requireSame(const Terminal& one, const Terminal& other)
+{
+    require(one.modes() == other.modes(), "same modes");
+    require(one.titles() == other.titles(), "same titles");
+    require(one.colors() == other.colors(), "same colours");
+    require(one.charsets() == other.charsets(), "same character sets");
+    require(one.bidiState() == other.bidiState(), "same direction");
+    require(one.keyboardMode() == other.keyboardMode(), "same keyboard");
+    require(one.currentAttribute() == other.currentAttribute(), "same looks");
+    require(one.buffer().tabStops == other.buffer().tabStops, "same tab stops");
+    require(one.getUpdateRange() == other.getUpdateRange(), "same rows to paint");
+    for (const auto kind : {Terminal::BufferKind::Normal, Terminal::BufferKind::Alt})
+        require(one.getBufferAsData(kind) == other.getBufferAsData(kind), "same text");
+    const auto whole = ScreenDump::json(one, ScreenDump::Range::ScreenAndHistory);
+    const auto cut = ScreenDump::json(other, ScreenDump::Range::ScreenAndHistory);
+    if (whole != cut)
+        std::fprintf(stderr, "%s\n%s\n", whole.c_str(), cut.c_str());
+    require(whole == cut, "same screen");
+}
+
+/// The screen, written down, looks the same elsewhere.
+void requireRoundTrip(const Terminal& terminal)
+{
+    TerminalOptions options = terminal.options();
+    options.scrollback = 0;
+    Terminal other(nullptr, options);
+    other.setSilentLog(true);
+    const std::string text = ScreenDump::sgr(terminal);
+    other.feed(text);
+    require(ScreenDump::text(terminal) == ScreenDump::text(other), "same text again");
+    require(ScreenDump::sgr(other) == text, "same looks again");
 }
 
 /// In a string a lone byte of 0x80 to 0x9F, and SUB, end it only as the first byte of a feed (other
@@ -125,10 +170,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         start = i + 1;
     }
     require(delegate.sent == twinDelegate.sent, "same answers");
-    const auto whole = ScreenDump::json(terminal, ScreenDump::Range::ScreenAndHistory);
-    const auto cut = ScreenDump::json(twin, ScreenDump::Range::ScreenAndHistory);
-    if (whole != cut)
-        std::fprintf(stderr, "%s\n%s\n", whole.c_str(), cut.c_str());
-    require(whole == cut, "same screen");
+    requireSame(terminal, twin);
+    requireRoundTrip(terminal);
     return 0;
 }

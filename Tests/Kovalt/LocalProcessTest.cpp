@@ -5,7 +5,9 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -118,6 +120,29 @@ TEST(LocalProcess, WhatIsSentArrivesInOrderWithoutBlocking)
 
     ASSERT_TRUE(harness.runUntilTerminated());
     EXPECT_TRUE(harness.output == text);
+}
+
+TEST(LocalProcess, WhenWhatWaitedIsWrittenIsTold)
+{
+    constexpr std::size_t Size = 1000000;
+    ProcessHarness harness;
+    const auto gate =
+        std::filesystem::temp_directory_path() / ("kovalt-gate-" + std::to_string(getpid()));
+    ASSERT_EQ(mkfifo(gate.c_str(), 0600), 0);
+    harness.start("stty raw -echo; printf ready; read -r go < " + gate.string() +
+                  "; head -c 1000000 | wc -c");
+    ASSERT_TRUE(harness.runUntilOutput("ready"));
+    EXPECT_FALSE(harness.process->isSendWaiting());
+
+    harness.send(std::string(Size, 'x'));
+
+    EXPECT_TRUE(harness.process->isSendWaiting());
+    EXPECT_EQ(harness.sendsCompleted, 0);
+    std::ofstream(gate) << "go\n";
+    ASSERT_TRUE(harness.runUntil([&] { return harness.sendsCompleted > 0; }));
+    EXPECT_FALSE(harness.process->isSendWaiting());
+    EXPECT_TRUE(harness.runUntilOutput("1000000"));
+    std::filesystem::remove(gate);
 }
 
 TEST(LocalProcess, AReplyInAFloodGoesOutAtOnce)

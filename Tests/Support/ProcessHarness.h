@@ -32,6 +32,7 @@ public:
     winsize size{25, 80, 640, 400};
     std::function<void(std::span<const std::uint8_t>)> received;
     std::function<void()> terminated;
+    int sendsCompleted = 0;
     std::optional<LocalProcess> process;
 
     void start(const std::string& script)
@@ -87,6 +88,7 @@ private:
             output.append(slice.begin(), slice.end());
     }
     winsize getWindowSize() override { return size; }
+    void sendCompleted(LocalProcess&) override { ++sendsCompleted; }
     void addLine(const std::string& line)
     {
         const std::lock_guard lock(m_lock);

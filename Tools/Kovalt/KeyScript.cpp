@@ -77,6 +77,8 @@ std::optional<KeyStep> stepOf(std::string_view name)
             return std::nullopt;
         return KeyStep(std::chrono::milliseconds(*time));
     }
+    if (name.starts_with("Until ") && name.size() > 6)
+        return KeyStep(AwaitedText{std::string(name.substr(6))});
     KittyKeyEvent event;
     event.modifiers = takeModifiers(name);
     const auto key = keyOf(name);

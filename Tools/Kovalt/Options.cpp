@@ -20,11 +20,15 @@ kovalt [OPTIONS] --replay FILE      feeds what was recorded, without a program
   --history         the history too
   --after MS        end after so many milliseconds, whatever the program does
   --send KEYS       type this first: text, and keys such as <Enter> <C-c> <A-x> <S-Tab> <F5> <Up>,
-                    <lt> for "<" and <Wait 500> for half a second
+                    <lt> for "<", <Wait 500> for half a second, <Until text> for what must be on the
+                    screen before it goes on
   --timeout MS      as --after, but the exit status is 124
   --help, --version
 
-Standard input goes to the program as it comes. The exit status is the program's.
+An option's value may also follow a "=". Standard input goes to the program as it comes, its end
+does not. The exit status is the program's, 128 and more for a signal that ended it; 127 if there is
+no such program, 126 if it can't be run, 2 for options that mean nothing, 1 for a file that can't be
+read or written.
 )";
 
 constexpr int LargestSide = 10'000;
@@ -55,6 +59,18 @@ std::optional<DumpForm> dumpForm(const std::string& text)
 Ending mistake(const std::string& text)
 {
     return {"kovalt: " + text + "\n\n" + Usage, 2};
+}
+
+std::optional<std::string> contradiction(const Options& options)
+{
+    const bool hasCommand = !options.command.empty() && !options.command.front().empty();
+    if (!options.replayFile)
+        return hasCommand ? std::nullopt : std::optional<std::string>("no command");
+    if (!options.command.empty())
+        return "a replay has no command";
+    if (options.recordFile || options.after || options.timeout || !options.send.empty())
+        return "a replay takes no --record, --send, --after and --timeout";
+    return std::nullopt;
 }
 
 /// Takes the value of an option; false if it is none.
@@ -115,28 +131,30 @@ std::variant<Options, Ending> parseOptions(const std::vector<std::string>& argum
     Options options;
     std::size_t next = 0;
     for (; next < arguments.size() && arguments[next] != "--"; ++next) {
-        const std::string& name = arguments[next];
-        if (name == "--help")
+        const std::size_t equals = arguments[next].find('=');
+        const std::string name = arguments[next].substr(0, equals);
+        if (arguments[next] == "--help")
             return Ending{Usage, 0};
-        if (name == "--version")
+        if (arguments[next] == "--version")
             return Ending{"kovalt " KOVALT_TOOL_VERSION "\n", 0};
-        if (name == "--history") {
+        if (arguments[next] == "--history") {
             options.withHistory = true;
             continue;
         }
         const auto setter = setters().find(name);
         if (setter == setters().end())
-            return mistake("what is \"" + name + "\"?");
-        if (next + 1 == arguments.size())
+            return mistake("what is \"" + arguments[next] + "\"?");
+        if (equals == std::string::npos && next + 1 == arguments.size())
             return mistake(name + " needs a value");
-        const std::string& value = arguments[++next];
+        const std::string value =
+            equals == std::string::npos ? arguments[++next] : arguments[next].substr(equals + 1);
         if (!setter->second(options, value))
-            return mistake(name + " can't be \"" + value + "\"");
+            return mistake(std::string(name).append(" can't be \"").append(value).append("\""));
     }
     if (next < arguments.size())
         options.command.assign(arguments.begin() + std::ptrdiff_t(next) + 1, arguments.end());
-    if (options.command.empty() == !options.replayFile)
-        return mistake(options.replayFile ? "a replay has no command" : "no command");
+    if (const auto text = contradiction(options))
+        return mistake(*text);
     return options;
 }
 

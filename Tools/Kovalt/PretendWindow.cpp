@@ -14,6 +14,8 @@ std::string numbers(int kind, int first, int second)
 
 PretendWindow::PretendWindow(int cols, int rows)
     : m_size{cols * Cell.width, rows * Cell.height}
+    , m_screen{std::max(m_size.width, UsualScreen.width),
+               std::max(m_size.height, UsualScreen.height)}
 {
 }
 
@@ -38,16 +40,16 @@ std::optional<std::string> PretendWindow::handle(const Kovalt::WindowManipulatio
         resizeToCells(command.first, command.second);
         break;
     case RestoreMaximizedWindow:
-        restore();
+        restore(m_normal);
         break;
     case MaximizeWindow:
-        enlarge(true, true);
+        maximize(true, true);
         break;
     case MaximizeWindowVertically:
-        enlarge(false, true);
+        maximize(false, true);
         break;
     case MaximizeWindowHorizontally:
-        enlarge(true, false);
+        maximize(true, false);
         break;
     case UndoFullScreen:
         setFullScreen(false);
@@ -56,7 +58,7 @@ std::optional<std::string> PretendWindow::handle(const Kovalt::WindowManipulatio
         setFullScreen(true);
         break;
     case ToggleFullScreen:
-        setFullScreen(!m_isFullScreen);
+        setFullScreen(!m_beforeFullScreen);
         break;
     default:
         return report(command.kind);
@@ -77,13 +79,13 @@ std::optional<std::string> PretendWindow::report(Kovalt::WindowManipulationComma
     case ReportTerminalWindowPixelDimension:
         return numbers(4, m_size.height, m_size.width);
     case ReportSizeOfScreenInPixels:
-        return numbers(5, Screen.height, Screen.width);
+        return numbers(5, m_screen.height, m_screen.width);
     case ReportCellSizeInPixels:
         return numbers(6, Cell.height, Cell.width);
     case ReportTextAreaCharacters:
         return numbers(8, rows(), cols());
     case ReportScreenSizeCharacters:
-        return numbers(9, Screen.height / Cell.height, Screen.width / Cell.width);
+        return numbers(9, m_screen.height / Cell.height, m_screen.width / Cell.width);
     default:
         return std::nullopt; // Titles, which the terminal knows, and what shows nowhere.
     }
@@ -94,48 +96,52 @@ void PretendWindow::resizeToCells(int cols, int rows)
     resizeToPixels(rows * Cell.height, cols * Cell.width);
 }
 
-/// 0 leaves a side as it is. A window is no larger than its screen, and holds whole cells.
+/// 0 leaves a side as it is. A window is no larger than its screen, and holds whole cells. With a
+/// size of its own it neither fills the screen any more nor is there anything to go back to.
 void PretendWindow::resizeToPixels(int height, int width)
 {
+    m_normal.reset();
+    m_beforeFullScreen.reset();
     if (height > 0)
-        m_size.height = std::clamp(height, Cell.height, Screen.height) / Cell.height * Cell.height;
+        m_size.height =
+            std::clamp(height, Cell.height, m_screen.height) / Cell.height * Cell.height;
     if (width > 0)
-        m_size.width = std::clamp(width, 2 * Cell.width, Screen.width) / Cell.width * Cell.width;
+        m_size.width = std::clamp(width, 2 * Cell.width, m_screen.width) / Cell.width * Cell.width;
 }
 
-void PretendWindow::enlarge(bool horizontally, bool vertically)
+void PretendWindow::maximize(bool horizontally, bool vertically)
 {
     if (!m_normal)
         m_normal = Place{m_x, m_y, m_size};
     if (horizontally) {
         m_x = 0;
-        m_size.width = Screen.width;
+        m_size.width = m_screen.width;
     }
     if (vertically) {
         m_y = 0;
-        m_size.height = Screen.height;
+        m_size.height = m_screen.height;
     }
 }
 
-void PretendWindow::restore()
+void PretendWindow::restore(std::optional<Place>& former)
 {
-    if (!m_normal)
+    if (!former)
         return;
-    m_x = m_normal->x;
-    m_y = m_normal->y;
-    m_size = m_normal->size;
-    m_normal.reset();
+    m_x = former->x;
+    m_y = former->y;
+    m_size = former->size;
+    former.reset();
 }
 
 void PretendWindow::setFullScreen(bool on)
 {
-    if (m_isFullScreen == on)
-        return;
-    m_isFullScreen = on;
-    if (on)
-        enlarge(true, true);
-    else
-        restore();
+    if (!on)
+        return restore(m_beforeFullScreen);
+    if (!m_beforeFullScreen)
+        m_beforeFullScreen = Place{m_x, m_y, m_size};
+    m_x = 0;
+    m_y = 0;
+    m_size = m_screen;
 }
 
 } // namespace KovaltTool

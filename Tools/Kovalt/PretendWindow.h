@@ -14,11 +14,12 @@ struct Extent {
 };
 
 /// The window that a terminal without one keeps up: its state, place and size on a screen of
-/// 240 by 75 cells of 8 by 16 pixels. It has no frame, so the text area is all of it.
+/// 240 by 75 cells of 8 by 16 pixels, or what it needs when it opens. It has no frame, so the text
+/// area is all of it.
 class PretendWindow {
 public:
     static constexpr Extent Cell{8, 16};
-    static constexpr Extent Screen{1920, 1200};
+    static constexpr Extent UsualScreen{1920, 1200};
 
     /// `cols` by `rows` at the screen's corner.
     PretendWindow(int cols, int rows);
@@ -38,8 +39,8 @@ private:
 
     void resizeToCells(int cols, int rows);
     void resizeToPixels(int height, int width);
-    void enlarge(bool horizontally, bool vertically);
-    void restore();
+    void maximize(bool horizontally, bool vertically);
+    void restore(std::optional<Place>& former);
     void setFullScreen(bool on);
     [[nodiscard]] std::optional<std::string>
     report(Kovalt::WindowManipulationCommand::Kind kind) const;
@@ -47,9 +48,10 @@ private:
     int m_x = 0;
     int m_y = 0;
     Extent m_size;
+    Extent m_screen;
     bool m_isIconified = false;
-    bool m_isFullScreen = false;
-    std::optional<Place> m_normal; ///< Where it goes back to.
+    std::optional<Place> m_normal;           ///< Before it was maximized.
+    std::optional<Place> m_beforeFullScreen; ///< While it fills the screen.
 };
 
 } // namespace KovaltTool

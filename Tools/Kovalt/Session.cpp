@@ -1,7 +1,8 @@
 #include "Session.h"
 
+#include "ProgramStart.h"
+
 #include "Kovalt/Keyboard/KittyKeyboardEncoder.h"
-#include "Kovalt/Process/ProcessEnvironment.h"
 #include "Kovalt/ScreenDump.h"
 
 #include <poll.h>
@@ -13,15 +14,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
+#include <utility>
 
 namespace KovaltTool {
 namespace {
 
-constexpr int CannotRead = 1;
-constexpr int NotFound = 127;
+constexpr int Failed = 1;
 constexpr int TimedOut = 124;
 constexpr std::size_t SliceSize = 65536;
 
@@ -30,38 +29,9 @@ std::span<const std::uint8_t> bytesOf(std::string_view text)
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-/// The file that a shell would run for this name; none if there is none.
-std::optional<std::string> find(const std::string& command)
+void complain(const std::string& text)
 {
-    if (command.find('/') != std::string::npos)
-        return command;
-    const char* path = std::getenv("PATH");
-    std::string_view rest = path ? path : "/usr/bin:/bin";
-    while (!rest.empty()) {
-        const std::size_t colon = rest.find(':');
-        const std::string candidate = std::string(rest.substr(0, colon)) + '/' + command;
-        if (access(candidate.c_str(), X_OK) == 0 && !std::filesystem::is_directory(candidate))
-            return candidate;
-        if (colon == std::string_view::npos)
-            break;
-        rest.remove_prefix(colon + 1);
-    }
-    return std::nullopt;
-}
-
-/// This process's environment with the terminal's own variables in it.
-std::vector<std::string> environmentFor(const std::string& term)
-{
-    std::vector<std::string> lines;
-    for (char** line = environ; *line; ++line) {
-        const std::string_view text(*line);
-        if (!text.starts_with("TERM=") && !text.starts_with("COLORTERM=") &&
-            !text.starts_with("COLUMNS=") && !text.starts_with("LINES="))
-            lines.emplace_back(text);
-    }
-    lines.push_back("TERM=" + term);
-    lines.emplace_back("COLORTERM=truecolor");
-    return lines;
+    std::cerr << "kovalt: " + text + '\n';
 }
 
 int statusOf(std::int32_t waitStatus)
@@ -88,7 +58,8 @@ Session::Session(const Options& options, std::vector<KeyStep> keys)
     , m_window(options.cols, options.rows)
     , m_terminal(this, terminalOptions(options, this))
     , m_specialColors(m_terminal)
-    , m_process(*this, m_loop)
+    , m_process(*this, m_loop, Kovalt::Delivery::Sliced,
+                [](const std::string& line) { complain(line); })
 {
     // Standard output is for the screen.
     m_terminal.setSilentLog(true);
@@ -105,8 +76,8 @@ Session::~Session()
 int Session::run()
 {
     if (m_options.recordFile && !m_record) {
-        std::cerr << "kovalt: can't write " << *m_options.recordFile << '\n';
-        return CannotRead;
+        complain("can't write " + *m_options.recordFile);
+        return Failed;
     }
     if (m_options.replayFile)
         return replay();
@@ -115,50 +86,60 @@ int Session::run()
         m_loop.startTimer(*m_options.after, [this] { end(0); });
     if (m_options.timeout)
         m_loop.startTimer(*m_options.timeout, [this] { end(TimedOut); });
+    m_rawInput.emplace();
     launch();
     if (!m_status) {
         watchInput();
         type(0);
         m_loop.run();
     }
-    writeDump();
-    return m_status.value_or(0);
+    m_rawInput.reset();
+    return finish(m_status.value_or(Failed));
 }
 
 int Session::replay()
 {
     std::ifstream file(*m_options.replayFile, std::ios::binary);
     std::array<char, SliceSize> slice{};
-    if (!file) {
-        std::cerr << "kovalt: can't read " << *m_options.replayFile << '\n';
-        return CannotRead;
-    }
     while (file.read(slice.data(), std::streamsize(slice.size())) || file.gcount() > 0)
         m_terminal.feed(std::string_view(slice.data(), std::size_t(file.gcount())));
-    writeDump();
-    return 0;
+    // A file that can't be opened never comes to its end; a folder fails when it is read.
+    if (file.bad() || !file.eof()) {
+        complain("can't read " + *m_options.replayFile);
+        return Failed;
+    }
+    return finish(0);
+}
+
+/// Writes what is to be kept. The status, unless that fails.
+int Session::finish(int status)
+{
+    bool isWritten = writeDump();
+    if (!isWritten)
+        complain("can't write the screen");
+    if (m_record.is_open() && !m_record.flush()) {
+        complain("can't write " + *m_options.recordFile);
+        isWritten = false;
+    }
+    return isWritten || status != 0 ? status : Failed;
 }
 
 void Session::launch()
 {
-    const auto program = find(m_options.command.front());
-    if (!program) {
-        std::cerr << "kovalt: there is no " << m_options.command.front() << '\n';
-        end(NotFound);
+    const auto start = programStart(m_options.command, m_options.term);
+    if (const auto* failure = std::get_if<StartFailure>(&start)) {
+        complain(failure->text);
+        end(failure->status);
         return;
     }
-    Kovalt::ProcessStart start;
-    start.executable = *program;
-    start.arguments.assign(m_options.command.begin() + 1, m_options.command.end());
-    start.execName = m_options.command.front();
-    start.environment = environmentFor(m_options.term);
-    m_process.startProcess(start);
+    m_process.startProcess(std::get<Kovalt::ProcessStart>(start));
     if (!m_process.isRunning()) {
-        std::cerr << "kovalt: " << *program << " can't be started\n";
-        end(NotFound);
+        complain(m_options.command.front() + " can't be started");
+        end(Failed);
     }
 }
 
+/// Standard input is read no faster than the program takes it.
 void Session::watchInput()
 {
     m_input = m_loop.watch(STDIN_FILENO, POLLIN, [this](short) {
@@ -166,7 +147,9 @@ void Session::watchInput()
         const ssize_t length = read(STDIN_FILENO, keys.data(), keys.size());
         if (length > 0)
             m_process.send(std::span(keys).first(std::size_t(length)));
-        else if (length == 0 || (errno != EAGAIN && errno != EINTR))
+        const bool isAtEnd = length == 0 || (length < 0 && errno != EAGAIN && errno != EINTR);
+        m_waitsForProgram = m_process.isSendWaiting();
+        if (isAtEnd || m_waitsForProgram)
             m_loop.unwatch(m_input);
     });
 }
@@ -175,7 +158,7 @@ void Session::watchSignals()
 {
     sigset_t wanted;
     sigemptyset(&wanted);
-    for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP})
+    for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGQUIT})
         sigaddset(&wanted, signal);
     sigprocmask(SIG_BLOCK, &wanted, nullptr);
     m_signals = signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK);
@@ -185,33 +168,50 @@ void Session::watchSignals()
         signalfd_siginfo info{};
         while (read(m_signals, &info, sizeof info) == ssize_t(sizeof info)) {
             if (info.ssi_signo == SIGUSR1)
-                writeDump();
+                (void)writeDump();
             else
                 end(128 + int(info.ssi_signo));
         }
     });
 }
 
-/// Does the steps from this one on, up to the next time to wait.
+/// Does the steps from this one on, up to the next one that waits.
 void Session::type(std::size_t step)
 {
     for (; step < m_keys.size(); ++step) {
-        if (const auto* time = std::get_if<std::chrono::milliseconds>(&m_keys[step])) {
+        const KeyStep& key = m_keys[step];
+        if (const auto* text = std::get_if<std::string>(&key)) {
+            m_process.send(bytesOf(*text));
+        } else if (const auto* event = std::get_if<Kovalt::KittyKeyEvent>(&key)) {
+            press(*event);
+        } else if (const auto* time = std::get_if<std::chrono::milliseconds>(&key)) {
             m_loop.startTimer(*time, [this, next = step + 1] { type(next); });
             return;
+        } else {
+            m_awaitedStep = step;
+            return goOnIfShown();
         }
-        if (const auto* text = std::get_if<std::string>(&m_keys[step])) {
-            m_process.send(bytesOf(*text));
-            continue;
-        }
-        const Kovalt::TerminalModes& modes = m_terminal.modes();
-        const auto bytes = Kovalt::KittyKeyboardEncoder::encode(
-            m_terminal.keyboardMode().flags(), std::get<Kovalt::KittyKeyEvent>(m_keys[step]),
-            {.applicationCursor = modes.applicationCursor,
-             .applicationKeypad = modes.applicationKeypad});
-        if (bytes)
-            m_process.send(bytesOf(*bytes));
     }
+}
+
+void Session::press(const Kovalt::KittyKeyEvent& key)
+{
+    const Kovalt::TerminalModes& modes = m_terminal.modes();
+    const auto bytes =
+        Kovalt::KittyKeyboardEncoder::encode(m_terminal.keyboardMode().flags(), key,
+                                             {.applicationCursor = modes.applicationCursor,
+                                              .applicationKeypad = modes.applicationKeypad});
+    if (bytes)
+        m_process.send(bytesOf(*bytes));
+}
+
+void Session::goOnIfShown()
+{
+    const auto& awaited = std::get<AwaitedText>(m_keys[*m_awaitedStep]);
+    if (Kovalt::ScreenDump::text(m_terminal).find(awaited.text) == std::string::npos)
+        return;
+    const std::size_t next = *std::exchange(m_awaitedStep, std::nullopt) + 1;
+    type(next);
 }
 
 void Session::end(int status)
@@ -223,10 +223,11 @@ void Session::end(int status)
     m_loop.stop();
 }
 
-void Session::writeDump() const
+/// False if standard output doesn't take it.
+bool Session::writeDump() const
 {
     if (!m_options.dump)
-        return;
+        return true;
     const auto range = m_options.withHistory ? Kovalt::ScreenDump::Range::ScreenAndHistory
                                              : Kovalt::ScreenDump::Range::Screen;
     std::string dump;
@@ -238,10 +239,10 @@ void Session::writeDump() const
         dump = Kovalt::ScreenDump::sgr(m_terminal, range) + '\n';
         break;
     case DumpForm::Json:
-        dump = Kovalt::ScreenDump::json(m_terminal, range) + '\n';
+        dump = Kovalt::ScreenDump::json(m_terminal, range);
         break;
     }
-    std::cout << dump << std::flush;
+    return bool(std::cout << dump << std::flush);
 }
 
 // The terminal's
@@ -292,7 +293,15 @@ std::optional<std::vector<std::uint8_t>> Session::clipboardRead(Kovalt::Terminal
 void Session::processTerminated(Kovalt::LocalProcess& /*source*/,
                                 std::optional<std::int32_t> exitCode)
 {
-    end(exitCode ? statusOf(*exitCode) : 0);
+    end(exitCode ? statusOf(*exitCode) : Failed);
+}
+
+void Session::sendCompleted(Kovalt::LocalProcess& /*source*/)
+{
+    if (m_waitsForProgram && !m_process.isSendWaiting()) {
+        m_waitsForProgram = false;
+        watchInput();
+    }
 }
 
 void Session::dataReceived(std::span<const std::uint8_t> slice)
@@ -300,6 +309,8 @@ void Session::dataReceived(std::span<const std::uint8_t> slice)
     if (m_record.is_open())
         m_record.write(reinterpret_cast<const char*>(slice.data()), std::streamsize(slice.size()));
     m_terminal.feed(slice);
+    if (m_awaitedStep)
+        goOnIfShown();
 }
 
 winsize Session::getWindowSize()

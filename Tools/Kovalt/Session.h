@@ -3,6 +3,7 @@
 #include "KeyScript.h"
 #include "Options.h"
 #include "PretendWindow.h"
+#include "StandardStreams.h"
 
 #include "Kovalt/Process/LocalProcess.h"
 #include "Kovalt/Process/PollLoop.h"
@@ -44,17 +45,21 @@ private:
                            std::optional<std::int32_t> exitCode) override;
     void dataReceived(std::span<const std::uint8_t> slice) override;
     winsize getWindowSize() override;
+    void sendCompleted(Kovalt::LocalProcess& source) override;
     // TerminalTimer
     void start(std::chrono::milliseconds delay, std::function<void()> elapsed) override;
     void cancel() override;
 
     int replay();
+    [[nodiscard]] int finish(int status);
     void launch();
     void watchInput();
     void watchSignals();
     void type(std::size_t step);
+    void press(const Kovalt::KittyKeyEvent& key);
+    void goOnIfShown();
     void end(int status);
-    void writeDump() const;
+    [[nodiscard]] bool writeDump() const;
 
     const Options& m_options;
     std::vector<KeyStep> m_keys;
@@ -62,6 +67,9 @@ private:
     Kovalt::PollLoop m_loop;
     Kovalt::PollLoop::Id m_timer = 0;
     Kovalt::PollLoop::Id m_input = 0;
+    std::optional<std::size_t> m_awaitedStep; ///< The keys go on once its text is shown.
+    bool m_waitsForProgram = false;           ///< Before more of standard input is read.
+    std::optional<RawInput> m_rawInput;
     std::ofstream m_record;
     int m_signals = -1;
     std::optional<int> m_status;                          ///< Once it has ended.

@@ -1,10 +1,12 @@
 #include "Session.h"
+#include "StandardStreams.h"
 
 #include <iostream>
 
 int main(int argc, char** argv)
 {
     using namespace KovaltTool;
+    openStandardStreams();
     const auto parsed = parseOptions({argv + 1, argv + argc});
     if (const auto* ending = std::get_if<Ending>(&parsed)) {
         (ending->status == 0 ? std::cout : std::cerr) << ending->text;
