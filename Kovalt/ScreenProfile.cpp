@@ -52,12 +52,13 @@ constexpr std::array<Gun, 3> Guns = {{{0x09, 0.000562, 0.198762, 1.155762, -0.35
                                       {0x0E, 0.000641, 0.103430, 1.729736, -0.833805}}};
 
 /// From the intensities of the guns to XYZ, and back.
-constexpr double ToXyz[3][3] = {{0.3810615, 0.3202571, 0.2483458},
-                                {0.2072975, 0.6805464, 0.1121562},
-                                {0.0213394, 0.1429719, 1.2417289}};
-constexpr double FromXyz[3][3] = {{3.4834048, -1.5217637, -0.5592313},
-                                  {-1.0715275, 1.9659380, 0.0367369},
-                                  {0.0635118, -0.2002050, 0.8107094}};
+using Row = std::array<double, 3>;
+constexpr std::array<Row, 3> ToXyz = {{{0.3810615, 0.3202571, 0.2483458},
+                                       {0.2072975, 0.6805464, 0.1121562},
+                                       {0.0213394, 0.1429719, 1.2417289}}};
+constexpr std::array<Row, 3> FromXyz = {{{3.4834048, -1.5217637, -0.5592313},
+                                         {-1.0715275, 1.9659380, 0.0367369},
+                                         {0.0635118, -0.2002050, 0.8107094}}};
 
 constexpr Chromaticity BestRed = {0.7127, 0.4931};
 constexpr double ChromaScale = 7.50725;
@@ -73,11 +74,10 @@ constexpr Chromaticity chromaticityOf(const XyzColor& color)
 
 Intensities intensitiesOf(const XyzColor& color)
 {
-    Intensities intensities{};
-    for (std::size_t i = 0; i < intensities.size(); ++i)
-        intensities[i] =
-            FromXyz[i][0] * color.x + FromXyz[i][1] * color.y + FromXyz[i][2] * color.z;
-    return intensities;
+    const auto weighed = [&color](const Row& row) {
+        return row[0] * color.x + row[1] * color.y + row[2] * color.z;
+    };
+    return {weighed(FromXyz[0]), weighed(FromXyz[1]), weighed(FromXyz[2])};
 }
 
 bool canBeShown(const Intensities& intensities)
@@ -105,7 +105,7 @@ double lightnessOfLuminance(double luminance)
 
 XyzColor ScreenProfile::white()
 {
-    const auto sum = [](const double(&row)[3]) { return row[0] + row[1] + row[2]; };
+    const auto sum = [](const Row& row) { return row[0] + row[1] + row[2]; };
     return {sum(ToXyz[0]), sum(ToXyz[1]), sum(ToXyz[2])};
 }
 

@@ -410,6 +410,7 @@ private:
 
     // Reports: Sequences/Reports*.cpp
     void cmdSendDeviceAttributes(const CsiSequence& sequence);
+    void sendPrimaryAttributes();
     void cmdDeviceStatus(const CsiSequence& sequence);
     void cmdRequestAnsiMode(const CsiSequence& sequence);
     void cmdRequestPrivateMode(const CsiSequence& sequence);

@@ -159,6 +159,9 @@ void Terminal::dispatchPlainEsc(std::uint8_t code)
     case 'W':
         setGuard(CharacterGuard::Area, false);
         break;
+    case 'Z':
+        sendPrimaryAttributes();
+        break;
     case 'c':
         m_parser.reset();
         resetToInitialState();

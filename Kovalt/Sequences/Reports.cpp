@@ -38,6 +38,11 @@ void Terminal::cmdSendDeviceAttributes(const CsiSequence& sequence)
         return sendCsi(">65;20;1c");
     if (!collect.empty())
         return;
+    sendPrimaryAttributes();
+}
+
+void Terminal::sendPrimaryAttributes()
+{
     const std::string_view name = m_options.termName;
     if (name.starts_with("xterm"))
         sendCsi(m_options.enableSixelReported ? "?65;4;1;2;6;21;22;17;28c"
@@ -59,7 +64,7 @@ void Terminal::cmdDeviceStatus(const CsiSequence& sequence)
         return sendCsi("0n");
     if (request == 6) {
         const int firstRow = m_modes.originMode ? m_buffer->scrollTop : 0;
-        const int firstCol = m_modes.originMode ? m_buffer->marginLeft : 0;
+        const int firstCol = m_modes.originMode ? leftMargin() : 0;
         const int col = m_buffer->standingColumn();
         const auto row = std::to_string(std::max(m_buffer->y - firstRow + 1, 1));
         const auto place = row + ';' + std::to_string(std::max(col - firstCol + 1, 1));

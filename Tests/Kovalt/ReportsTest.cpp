@@ -48,6 +48,7 @@ TEST(DeviceAttributes, TheReplyFollowsTheNameOfTheTerminal)
 
         expectReport(harness, "\x1b[c", Introducer::Csi, body);
         expectReport(harness, "\x1b[0c", Introducer::Csi, body);
+        expectReport(harness, "\x1bZ", Introducer::Csi, body);
     }
 }
 
@@ -137,6 +138,14 @@ TEST(DeviceStatus, InOriginModeThePlaceIsRelativeToTheMargins)
     expectReport(harness, "\x1b[?6n", Introducer::Csi, "?3;4;1R");
     harness.feed("\x1b[?6l\x1b[3;4H");
     expectReport(harness, "\x1b[6n", Introducer::Csi, "3;4R");
+}
+
+TEST(DeviceStatus, MarginsThatWereLeftWithTheirModeDoNotCount)
+{
+    TerminalHarness harness;
+    harness.feed("\x1b[?6h\x1b\x37\x1b[?69h\x1b[3;15s\x1b\x38\x1b[4;5H");
+
+    expectReport(harness, "\x1b[6n", Introducer::Csi, "4;5R");
 }
 
 TEST(ModeRequest, WithoutAParameterTheReplyIsEmpty)
