@@ -267,6 +267,47 @@ TEST(TerminalCursor, TabsStopWhereTheyAreSet)
     expectMovements(cases);
 }
 
+TEST(TerminalCursor, TabsKeepToTheMarginsFromEveryColumn)
+{
+    // Stops at columns 1, 5, 9 and 13; margins at 4 and 11.
+    const std::string stops = "\x1B[3g\x1B[1;5H\x1BH\x1B[1;9H\x1BH\x1B[1;13H\x1BH\x1B[1;1H\x1BH";
+    const auto next = [](int col, int end) {
+        for (const int stop : {4, 8, 12})
+            if (stop > col && stop < end)
+                return stop;
+        return end;
+    };
+    const auto previous = [](int col) {
+        for (const int stop : {12, 8, 4})
+            if (stop < col)
+                return stop;
+        return 0;
+    };
+    for (const bool hasMargins : {false, true}) {
+        for (const bool origin : {false, true}) {
+            for (int col = 0; col < 20; ++col) {
+                const std::string place = stops + (hasMargins ? "\x1B[?69h\x1B[4;11s" : "") +
+                                          (origin ? "\x1B[?6h" : "") + "\x1B[" +
+                                          std::to_string(col + 1) + '`';
+                SCOPED_TRACE(testing::PrintToString(place));
+                const int end = hasMargins && col <= 10 ? 10 : 19;
+                const Movement cases[] = {
+                    {"HT", "\t", next(col, end), 0},
+                    {"CHT", "\x1B[I", next(col, end), 0},
+                    {"CHT of two", "\x1B[2I", next(next(col, end), end), 0},
+                    {"CBT", "\x1B[Z", previous(col), 0},
+                    {"CBT of two", "\x1B[2Z", previous(previous(col)), 0},
+                };
+                for (const Movement& each : cases) {
+                    TerminalHarness t(20, 3);
+                    t.feed(place + each.text);
+                    EXPECT_EQ(t.cursor(), (Position{each.col, each.row})) << each.name;
+                }
+            }
+        }
+    }
+}
+
 TEST(TerminalCursor, NewColumnsHaveTheirTabStops)
 {
     TerminalHarness t(10, 2);
