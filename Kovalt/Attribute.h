@@ -42,6 +42,13 @@ inline constexpr std::uint8_t Italic = 64;
 inline constexpr std::uint8_t CrossedOut = 128;
 } // namespace CharacterStyle
 
+/// Bits that keep a cell from being erased. They are no looks: SGR leaves them alone.
+namespace CharacterGuard {
+inline constexpr std::uint8_t None = 0;
+inline constexpr std::uint8_t Selective = 1; ///< From selective erasures (DECSCA).
+inline constexpr std::uint8_t Area = 2;      ///< From the others (SPA, EPA).
+} // namespace CharacterGuard
+
 enum class UnderlineStyle : std::uint8_t { None, Single, Double, Curly, Dotted, Dashed };
 
 /// Colours and style of a cell, 16 bytes of plain data.
@@ -51,10 +58,18 @@ struct Attribute {
     CellColor underlineColor = CellColor::none();
     std::uint8_t style = CharacterStyle::None;
     UnderlineStyle underlineStyle = UnderlineStyle::None;
-    std::uint16_t reserved = 0; ///< Always 0, so that two attributes compare as bytes.
+    std::uint8_t guard = CharacterGuard::None;
+    std::uint8_t reserved = 0; ///< Always 0, so that two attributes compare as bytes.
 
     bool operator==(const Attribute&) const = default;
 
+    /// Back to the looks at the start.
+    constexpr void resetLooks()
+    {
+        const std::uint8_t kept = guard;
+        *this = {};
+        guard = kept;
+    }
     [[nodiscard]] constexpr bool has(std::uint8_t bits) const { return (style & bits) != 0; }
     /// The body of a report of this attribute: "0", the style codes and the colours, without the
     /// final letter.

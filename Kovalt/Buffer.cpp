@@ -102,6 +102,7 @@ void Buffer::clear()
     ++m_numbering;
     m_linesWithImagesCount = 0;
     x = y = 0;
+    waits = false;
     yBase = yDisp = 0;
     linesTop = 0;
     scrollTop = 0;
@@ -118,6 +119,7 @@ void Buffer::softReset()
     savedCharset = 0;
     marginLeft = 0;
     marginRight = m_cols - 1;
+    savedWaits = false;
     savedOriginMode = savedMarginMode = savedWraparound = savedReverseWraparound = false;
 }
 

@@ -66,12 +66,17 @@ public:
     int marginRight = 0;
     std::vector<bool> tabStops; ///< One a column.
 
+    /// The last character was printed in the last column before the right edge or margin, and the
+    /// cursor has not moved since.
+    bool waits = false;
+
     int savedX = 0;
     int savedY = 0;
     bool savedOriginMode = false;
     bool savedMarginMode = false;
     bool savedWraparound = false;
     bool savedReverseWraparound = false;
+    bool savedWaits = false;
     Attribute savedAttr;
     std::uint32_t savedCharset = 0; ///< The terminal's own encoding of its character sets.
 
@@ -97,6 +102,13 @@ public:
         if (yBase < 0 || m_lines.count() < yBase + m_rows) [[unlikely]]
             ensureScreen();
         return m_lines[yBase + std::clamp(row, 0, m_rows - 1)];
+    }
+    /// The column that the cursor is shown in: while it waits behind the right edge or margin, the
+    /// last one before it.
+    [[nodiscard]] int standingColumn() const
+    {
+        const int limit = rightLimit();
+        return waits && x == limit + 1 ? limit : std::clamp(x, 0, m_cols - 1);
     }
     /// The row of the cursor.
     [[nodiscard]] BufferLine& cursorLine() { return screenLine(y); }
@@ -175,7 +187,10 @@ private:
     void lineRecycled(bool hadImages) override;
 
     [[nodiscard]] static int getCorrectBufferLength(int rows, std::optional<int> scrollback);
-    [[nodiscard]] int rightLimit() const;
+    [[nodiscard]] int rightLimit() const
+    {
+        return marginMode ? std::clamp(marginRight, 0, m_cols - 1) : m_cols - 1;
+    }
     [[nodiscard]] int leftLimit() const;
     void ensureScreen();
     void beginRow(BufferLine& line, const Attribute& fill, bool isWrapped,

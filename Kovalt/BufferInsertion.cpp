@@ -67,11 +67,6 @@ void writeRun(CharData* cells, const char* text, std::size_t count, const CellWo
 
 } // namespace
 
-int Buffer::rightLimit() const
-{
-    return marginMode ? std::clamp(marginRight, 0, m_cols - 1) : m_cols - 1;
-}
-
 int Buffer::leftLimit() const
 {
     return marginMode ? std::clamp(marginLeft, 0, rightLimit()) : 0;
@@ -138,6 +133,7 @@ void Buffer::insertCharacter(const CharData& character, std::uint16_t payload)
         to[1].width = 0;
     }
     x += width;
+    waits = x > limit;
 }
 
 std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attribute)
@@ -165,6 +161,7 @@ std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attri
         x += int(count);
         done += count;
     }
+    waits = x > limit;
     return text.size();
 }
 

@@ -50,7 +50,7 @@ namespace Colors {
 
 /// "#" with 3, 6, 9 or 12 hexadecimal digits, or "rgb:" with three groups of 1 to 4, which the
 /// longest of them scales. Also, with decimal numbers, "rgbi:" (intensities), "CIEXYZ:", "CIExyY:",
-/// "CIEuvY:", "CIELab:", "CIELuv:" and "TekHVC:"; what a screen can't show is cut off. None for
+/// "CIEuvY:", "CIELab:", "CIELuv:" and "TekHVC:", as `ScreenProfile` shows them. None for
 /// anything else.
 [[nodiscard]] std::optional<Color> parseColor(std::string_view text);
 /// "rgb:rrrr/gggg/bbbb".

@@ -1,12 +1,11 @@
 // Colours as a program writes them: the forms of X's colour names that need no data base.
 
 #include "Kovalt/Color.h"
-#include "Kovalt/LabColor.h"
+#include "Kovalt/ScreenProfile.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <numbers>
 
 namespace Kovalt {
 
@@ -96,25 +95,6 @@ std::optional<Numbers> parseNumbers(std::string_view text)
     return numbers;
 }
 
-/// u' and v' of a colour in XYZ.
-struct Chromaticity {
-    double u;
-    double v;
-};
-
-constexpr Chromaticity chromaticity(const XyzColor& color)
-{
-    const double sum = color.x + 15 * color.y + 3 * color.z;
-    return {4 * color.x / sum, 9 * color.y / sum};
-}
-
-XyzColor fromUvY(double u, double v, double luminance)
-{
-    if (v <= 0)
-        return {};
-    return {luminance * 9 * u / (4 * v), luminance, luminance * (12 - 3 * u - 20 * v) / (4 * v)};
-}
-
 XyzColor fromXyY(double x, double y, double luminance)
 {
     if (y <= 0)
@@ -122,34 +102,25 @@ XyzColor fromXyY(double x, double y, double luminance)
     return {luminance * x / y, luminance, luminance * (1 - x - y) / y};
 }
 
-double luminanceOfLightness(double lightness)
+XyzColor fromLab(double lightness, double a, double b)
 {
+    const auto white = ScreenProfile::white();
+    const auto expanded = [](double root) {
+        return ScreenProfile::luminanceOfLightness(116 * root - 16);
+    };
     const double root = (lightness + 16) / 116;
-    return lightness > 8 ? root * root * root : lightness * 27.0 / 24389.0;
+    return {white.x * expanded(root + a / 500), white.y * expanded(root),
+            white.z * expanded(root - b / 200)};
 }
 
 XyzColor fromLuv(double lightness, double u, double v)
 {
     if (lightness <= 0)
         return {};
-    constexpr auto White = chromaticity(XyzColor::white());
-    return fromUvY(White.u + u / (13 * lightness), White.v + v / (13 * lightness),
-                   luminanceOfLightness(lightness));
-}
-
-/// Hue in degrees from the best red, value and chroma.
-XyzColor fromTekHvc(double hue, double value, double chroma)
-{
-    if (value <= 0)
-        return {};
-    constexpr auto White = chromaticity(XyzColor::white());
-    constexpr Chromaticity BestRed = {0.7127, 0.4931};
-    constexpr double ChromaScale = 7.50725;
-    const double start = std::atan2(BestRed.v - White.v, BestRed.u - White.u);
-    const double angle = start + hue * std::numbers::pi / 180;
-    const double distance = chroma / (value * ChromaScale);
-    return fromUvY(White.u + std::cos(angle) * distance, White.v + std::sin(angle) * distance,
-                   luminanceOfLightness(value));
+    const auto white = ScreenProfile::whiteChromaticity();
+    return ScreenProfile::fromChromaticity(
+        {white.u + u / (13 * lightness), white.v + v / (13 * lightness)},
+        ScreenProfile::luminanceOfLightness(lightness));
 }
 
 bool isBetween(double value, double least, double greatest)
@@ -164,14 +135,14 @@ std::optional<XyzColor> fromSpace(std::string_view space, const Numbers& n)
     if (space == "ciexyy")
         return fromXyY(n[0], n[1], n[2]);
     if (space == "cieuvy")
-        return fromUvY(n[0], n[1], n[2]);
+        return ScreenProfile::fromChromaticity({n[0], n[1]}, n[2]);
     if (space == "cielab" && isBetween(n[0], 0, 100))
-        return LabColor{n[0], n[1], n[2]}.toXyz();
+        return fromLab(n[0], n[1], n[2]);
     if (space == "cieluv" && isBetween(n[0], 0, 100))
         return fromLuv(n[0], n[1], n[2]);
     if (space == "tekhvc" && isBetween(n[0], 0, 360) && isBetween(n[1], 0, 100) &&
         isBetween(n[2], 0, 100))
-        return fromTekHvc(n[0], n[1], n[2]);
+        return ScreenProfile::fromHvc({n[0], n[1], n[2]});
     return std::nullopt;
 }
 
@@ -184,13 +155,12 @@ std::optional<Color> parseInSpace(std::string_view space, std::string_view text)
         const auto isIntensity = [](double value) { return isBetween(value, 0, 1); };
         if (!std::all_of(numbers->begin(), numbers->end(), isIntensity))
             return std::nullopt;
-        return Color{channelOfIntensity((*numbers)[0]), channelOfIntensity((*numbers)[1]),
-                     channelOfIntensity((*numbers)[2])};
+        return ScreenProfile::fromIntensities(*numbers);
     }
     const auto xyz = fromSpace(space, *numbers);
     if (!xyz)
         return std::nullopt;
-    return xyz->toColor();
+    return ScreenProfile::fromXyz(*xyz);
 }
 
 } // namespace

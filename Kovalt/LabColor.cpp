@@ -23,14 +23,14 @@ double expanded(double value)
     return cube > LabEpsilon ? cube : (116.0 * value - 16.0) / LabKappa;
 }
 
-} // namespace
-
+/// A channel's intensity, linear from 0 to 1.
 double intensityOfChannel(std::uint16_t channel)
 {
     const double value = channel / 65535.0;
     return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
 }
 
+/// An intensity as the 16 bits that a screen takes.
 std::uint16_t channelOfIntensity(double intensity)
 {
     // Written so that what is not a number becomes 0.
@@ -39,6 +39,8 @@ std::uint16_t channelOfIntensity(double intensity)
         linear <= 0.0031308 ? linear * 12.92 : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
     return std::uint16_t(std::lround(std::clamp(value, 0.0, 1.0) * 65535.0));
 }
+
+} // namespace
 
 XyzColor XyzColor::fromColor(Color color)
 {

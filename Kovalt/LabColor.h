@@ -31,8 +31,4 @@ struct LabColor {
 /// The colour on the straight way from one to another, `share` of 0 to 1 along it.
 [[nodiscard]] LabColor mix(const LabColor& from, const LabColor& to, double share);
 
-/// A channel's intensity, linear from 0 to 1, as the 16 bits that a screen takes, and back.
-[[nodiscard]] std::uint16_t channelOfIntensity(double intensity);
-[[nodiscard]] double intensityOfChannel(std::uint16_t channel);
-
 } // namespace Kovalt

@@ -25,6 +25,15 @@ Buffer::Options bufferOptions(const TerminalOptions& options, std::optional<int>
     return {options.cols, options.rows, options.tabStopWidth, scrollback, options.initialBidiState};
 }
 
+/// The cursor of a screen goes on in the other. One that waits behind a full row still does; the
+/// margins of the other screen are its own.
+void takeCursor(const Buffer& from, Buffer& to)
+{
+    to.x = from.x < from.cols() ? from.standingColumn() : from.x;
+    to.y = from.y;
+    to.waits = from.waits && from.x >= from.cols();
+}
+
 } // namespace
 
 Terminal::Terminal(TerminalDelegate* delegate, TerminalOptions options)
@@ -120,6 +129,7 @@ void Terminal::setup(SetupKind kind)
     m_keyboardModeAlt.reset();
     m_charsets = {};
     m_curAttr = {};
+    m_guardsUsed = 0;
     m_print = {};
     m_activeHyperlink = {};
     m_hostCurrentDirectory.reset();
@@ -152,16 +162,20 @@ void Terminal::softReset()
     m_savedBidiPrivateModes.clear();
     m_modes.bidiArrowKeySwap = m_options.initialBidiArrowKeySwap;
     m_modes.originMode = false;
-    m_modes.reverseWraparound = false;
+    m_modes.reverseWraparound = m_modes.extendedReverseWraparound = false;
+    m_modes.conformance = TerminalConformance::Vt500;
+    m_modes.controlForm = ControlForm::SevenBit;
     m_modes.applicationKeypad = false;
     m_modes.applicationCursor = false;
     m_modes.lineFeedMode = m_options.convertEol;
     setInsertMode(false);
     setWraparound(true);
-    m_buffer->scrollTop = 0;
-    m_buffer->scrollBottom = m_rows - 1;
-    m_buffer->softReset();
-    m_buffer->savedWraparound = true;
+    for (Buffer* const buffer : {&m_normalBuffer, &m_altBuffer}) {
+        buffer->scrollTop = 0;
+        buffer->scrollBottom = m_rows - 1;
+        buffer->softReset();
+        buffer->savedWraparound = true;
+    }
     m_curAttr = {};
     resetSemanticPromptState();
     m_charsets = {};
@@ -252,8 +266,7 @@ void Terminal::activateNormalBuffer(bool clearAlt)
     if (!isAlternateBufferActive())
         return;
     semanticNoteAlternateScreenSwitch();
-    m_normalBuffer.x = m_altBuffer.x;
-    m_normalBuffer.y = m_altBuffer.y;
+    takeCursor(m_altBuffer, m_normalBuffer);
     m_buffer = &m_normalBuffer;
     if (clearAlt) {
         // The next program finds neither margins nor a saved cursor of this one.
@@ -268,8 +281,7 @@ void Terminal::activateAltBuffer(const Attribute& fill)
     if (isAlternateBufferActive())
         return;
     semanticNoteAlternateScreenSwitch();
-    m_altBuffer.x = m_normalBuffer.x;
-    m_altBuffer.y = m_normalBuffer.y;
+    takeCursor(m_normalBuffer, m_altBuffer);
     m_altBuffer.fillViewportRows(fill);
     m_buffer = &m_altBuffer;
 }

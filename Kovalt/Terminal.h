@@ -202,6 +202,8 @@ public:
 
     /// In place of the terminal and of an older handler; without one the terminal acts again.
     void registerOscHandler(std::int64_t code, OscHandler handler);
+    /// What the terminal does by itself, whoever is registered for the code.
+    void performOsc(std::int64_t code, std::span<const std::uint8_t> data);
     /// Must stay alive until it is taken off.
     void registerSelection(TerminalSelection* selection);
     void unregisterSelection(TerminalSelection* selection);
@@ -233,13 +235,14 @@ private:
     void scroll(bool isWrapped) override;
     [[nodiscard]] std::uint16_t resolvePayload() override;
 
-    // Dispatch: Sequences/Dispatch.cpp
+    // Dispatch: Sequences/Dispatch*.cpp
     void dispatchPlainEsc(std::uint8_t code);
     [[nodiscard]] bool setLineLooks(std::uint8_t code);
     void dispatchRareCsi(const CsiSequence& sequence);
     [[nodiscard]] bool dispatchMarkedCsi(const CsiSequence& sequence);
     [[nodiscard]] bool dispatchRequests(const CsiSequence& sequence, unsigned marks);
     [[nodiscard]] bool dispatchSaves(const CsiSequence& sequence, unsigned marks);
+    [[nodiscard]] bool dispatchPage(const CsiSequence& sequence, unsigned marks);
     [[nodiscard]] bool dispatchAreas(const CsiSequence& sequence, unsigned marks);
     [[nodiscard]] bool tellUnimplemented(const CsiSequence& sequence, unsigned marks) const;
     void unknownCsi(const CsiSequence& sequence) const;
@@ -290,6 +293,10 @@ private:
     }
     void moveToRow(int row);
     void restrictCursor(bool allowPastEnd = false);
+    /// Ends the waiting behind the right edge or margin: the cursor stands where it is shown.
+    void endWaiting();
+    /// Any column of the screen, whatever the margins.
+    void moveToColumn(int col);
     void setCursor(int col, int row);
     void cmdBackspace();
     void cmdCarriageReturn();
@@ -302,6 +309,12 @@ private:
     void cursorDown(int n);
     void cursorForward(int n);
     void cursorBackward(int n);
+    /// Into the line above, as far as the modes of reverse wraparound allow. False if they don't.
+    [[nodiscard]] bool wrapBackward();
+    [[nodiscard]] bool wrapsOverAnyEnd() const
+    {
+        return m_modes.extendedReverseWraparound && m_modes.wraparound;
+    }
     void cmdSaveCursor();
     void cmdRestoreCursor();
     void cmdSetCursorStyle(int style);
@@ -312,8 +325,15 @@ private:
     void cmdEraseCells(int n);
     void cmdInsertLines(int n);
     void cmdDeleteLines(int n);
-    void cmdEraseInDisplay(int what);
-    void cmdEraseInLine(int what);
+    void cmdEraseInDisplay(int what, std::uint8_t guard);
+    void cmdEraseInLine(int what, std::uint8_t guard);
+    void cmdProtectCharacters(int what);
+    /// Whether the text to come has one of the guards.
+    void setGuard(std::uint8_t guard, bool on);
+    /// Whether a row of the screen has cells with this guard.
+    [[nodiscard]] bool isGuarded(int row, std::uint8_t guard) const;
+    /// The columns from `start` up to but without `end`, but for those that the guard keeps.
+    void eraseColumns(int row, int start, int end, std::uint8_t guard);
     /// Makes the row of the screen an empty one.
     void resetBufferLine(int row, bool clearImages);
     /// An erased cell: nothing but the current background.
@@ -326,6 +346,8 @@ private:
     void scrollRegionUp(int top, int n);
     void scrollRegionDown(int top, int n);
     void columnScroll(bool back, int column, int n);
+    /// Columns from `column` to the right margin, in every row of the region, wherever the cursor.
+    void shiftColumns(bool back, int column, int n);
     void columnIndex(bool back);
     void hardenBidiScrollBoundaries(int top, int bottom);
     /// Whether it stands between the left and the right margin, if there are any.
@@ -390,6 +412,7 @@ private:
 
     // Reports: Sequences/Reports*.cpp
     void cmdSendDeviceAttributes(const CsiSequence& sequence);
+    void sendPrimaryAttributes();
     void cmdDeviceStatus(const CsiSequence& sequence);
     void cmdRequestAnsiMode(const CsiSequence& sequence);
     void cmdRequestPrivateMode(const CsiSequence& sequence);
@@ -401,6 +424,8 @@ private:
 
     // Windows and titles: Sequences/Window.cpp
     void cmdWindowOptions(const CsiSequence& sequence);
+    /// Asks the host for another size of the screen, in cells.
+    void requestSize(int cols, int rows);
     void cmdSetTitleModes(const CsiSequence& sequence, bool on);
     void reportWindow(WindowManipulationCommand::Kind kind);
     [[nodiscard]] std::string titleReport(const std::string& title) const;
@@ -471,6 +496,7 @@ private:
     EscapeSequenceParser m_parser;
 
     Attribute m_curAttr;
+    std::uint8_t m_guardsUsed = CharacterGuard::None; ///< That cells may have.
     TerminalModes m_modes;
     CharsetState m_charsets;
     TitleState m_titles;

@@ -34,6 +34,7 @@ struct TerminalModes {
     bool insertMode = false;
     bool wraparound = true;
     bool reverseWraparound = false;
+    bool extendedReverseWraparound = false; ///< Over the end of any line, by CUB too.
     bool lineFeedMode = false;
     bool smoothScroll = false;
     bool allow80To132 = false;

@@ -333,6 +333,7 @@ void Terminal::setPrecedingWidth(BufferLine& line, int column, int width)
     cells[0] = cell;
     cells[1] = half;
     m_buffer->x = column + width;
+    m_buffer->waits = m_buffer->x > limit;
     m_print.lastWidth = width;
 }
 

@@ -31,53 +31,66 @@ CharsetState unpacked(std::uint32_t bits)
 void Terminal::restrictCursor(bool allowPastEnd)
 {
     Buffer& buffer = *m_buffer;
-    buffer.x = std::clamp(buffer.x, 0, allowPastEnd ? m_cols : m_cols - 1);
+    if (allowPastEnd)
+        buffer.x = std::clamp(buffer.x, 0, m_cols);
+    else
+        endWaiting();
     buffer.y = m_modes.originMode ? std::clamp(buffer.y, buffer.scrollTop, buffer.scrollBottom)
                                   : std::clamp(buffer.y, 0, m_rows - 1);
     updateRange(buffer.y);
 }
 
+void Terminal::endWaiting()
+{
+    m_buffer->x = m_buffer->standingColumn();
+    m_buffer->waits = false;
+}
+
 void Terminal::setCursor(int col, int row)
 {
-    Buffer& buffer = *m_buffer;
-    if (m_modes.originMode) {
-        buffer.x = std::min(col + leftMargin(), rightMargin());
-        buffer.y = row + buffer.scrollTop;
-    } else {
-        buffer.x = col;
-        buffer.y = row;
-    }
+    const bool isRelative = m_modes.originMode;
+    m_buffer->y = isRelative ? row + m_buffer->scrollTop : row;
+    moveToColumn(isRelative ? col + leftMargin() : col);
+}
+
+void Terminal::moveToColumn(int col)
+{
+    m_buffer->waits = false;
+    m_buffer->x = col;
     restrictCursor();
 }
 
 /// Any row of the screen, whatever the margins.
 void Terminal::moveToRow(int row)
 {
-    m_buffer->x = std::min(m_buffer->x, m_cols - 1);
+    endWaiting();
     m_buffer->y = std::clamp(row, 0, m_rows - 1);
 }
 
 void Terminal::cmdBackspace()
 {
     Buffer& buffer = *m_buffer;
-    const bool wraps = m_modes.reverseWraparound;
-    restrictCursor(wraps);
+    restrictCursor(m_modes.reverseWraparound || wrapsOverAnyEnd());
     const int left = buffer.x >= leftMargin() ? leftMargin() : 0;
-    if (buffer.x > left) {
+    if (buffer.x > left)
         --buffer.x;
-        return;
-    }
-    if (!wraps)
-        return;
-    if (buffer.cursorLine().isWrapped() && buffer.y > 0 && buffer.y != buffer.scrollTop) {
-        --buffer.y;
-    } else if (buffer.y == buffer.scrollTop) {
+    else if (wrapBackward())
+        buffer.x = rightMargin();
+}
+
+bool Terminal::wrapBackward()
+{
+    Buffer& buffer = *m_buffer;
+    if (!m_modes.reverseWraparound && !wrapsOverAnyEnd())
+        return false;
+    if (buffer.y == buffer.scrollTop)
         buffer.y = buffer.scrollBottom;
-    } else {
-        return;
-    }
-    buffer.x = rightMargin();
+    else if (buffer.y > 0 && (wrapsOverAnyEnd() || buffer.cursorLine().isWrapped()))
+        --buffer.y;
+    else
+        return false;
     updateRange(buffer.y);
+    return true;
 }
 
 void Terminal::cmdCarriageReturn()
@@ -100,7 +113,7 @@ void Terminal::advanceLine()
             line.setBidiState(m_currentBidiState);
         updateRange(buffer.y);
     }
-    buffer.x = std::min(buffer.x, m_cols - 1);
+    endWaiting();
     finishSemanticLineAdvance();
 }
 
@@ -142,7 +155,7 @@ void Terminal::cursorUp(int n)
 {
     Buffer& buffer = *m_buffer;
     const int limit = buffer.y >= buffer.scrollTop ? buffer.scrollTop : 0;
-    buffer.x = std::min(buffer.x, m_cols - 1);
+    endWaiting();
     buffer.y = std::max(limit, buffer.y - n);
 }
 
@@ -150,13 +163,14 @@ void Terminal::cursorDown(int n)
 {
     Buffer& buffer = *m_buffer;
     const int limit = buffer.y <= buffer.scrollBottom ? buffer.scrollBottom : m_rows - 1;
-    buffer.x = std::min(buffer.x, m_cols - 1);
+    endWaiting();
     buffer.y = std::min(limit, buffer.y + n);
 }
 
 void Terminal::cursorForward(int n)
 {
     Buffer& buffer = *m_buffer;
+    endWaiting();
     const int limit = buffer.x <= rightMargin() ? rightMargin() : m_cols - 1;
     buffer.x = std::min(limit, buffer.x + n);
 }
@@ -164,9 +178,17 @@ void Terminal::cursorForward(int n)
 void Terminal::cursorBackward(int n)
 {
     Buffer& buffer = *m_buffer;
-    buffer.x = std::min(buffer.x, m_cols - 1);
-    const int limit = buffer.x >= leftMargin() ? leftMargin() : 0;
-    buffer.x = std::max(limit, buffer.x - n);
+    endWaiting();
+    for (;;) {
+        const int limit = buffer.x >= leftMargin() ? leftMargin() : 0;
+        const int steps = std::min(n, buffer.x - limit);
+        buffer.x -= steps;
+        n -= steps;
+        if (n == 0 || !wrapsOverAnyEnd() || !wrapBackward())
+            return;
+        buffer.x = rightMargin();
+        --n;
+    }
 }
 
 void Terminal::cmdSaveCursor()
@@ -174,6 +196,7 @@ void Terminal::cmdSaveCursor()
     Buffer& buffer = *m_buffer;
     buffer.savedX = buffer.x;
     buffer.savedY = buffer.y;
+    buffer.savedWaits = buffer.waits;
     buffer.savedAttr = m_curAttr;
     buffer.savedCharset = packed(m_charsets);
     buffer.savedOriginMode = m_modes.originMode;
@@ -187,6 +210,7 @@ void Terminal::cmdRestoreCursor()
     Buffer& buffer = *m_buffer;
     buffer.x = std::clamp(buffer.savedX, 0, m_cols);
     buffer.y = std::clamp(buffer.savedY, 0, m_rows - 1);
+    buffer.waits = buffer.savedWaits;
     m_curAttr = buffer.savedAttr;
     m_charsets = unpacked(buffer.savedCharset);
     m_modes.originMode = buffer.savedOriginMode;

@@ -92,11 +92,14 @@ void Terminal::setPrivateMode(int mode, bool on)
     case 45:
         m_modes.reverseWraparound = on && m_modes.wraparound;
         break;
+    case 1045:
+        m_modes.extendedReverseWraparound = on;
+        break;
     case 66:
         m_modes.applicationKeypad = on;
         break;
     case 69:
-        setMarginMode(on);
+        setMarginMode(on && m_modes.conformance >= TerminalConformance::Vt400);
         break;
     case 1004:
         m_modes.sendFocus = on;
@@ -280,6 +283,8 @@ void Terminal::cmdSetConformanceLevel(const CsiSequence& sequence)
     if (level < 61 || level > 65)
         return;
     m_modes.conformance = static_cast<TerminalConformance>(level - 61);
+    if (m_modes.conformance < TerminalConformance::Vt400)
+        setMarginMode(false);
     if (level == 61)
         m_modes.controlForm = ControlForm::SevenBit;
     else if (sequence.parameters.size() > 1)

@@ -50,6 +50,11 @@ void Terminal::dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data
         handler(data);
         return;
     }
+    performOsc(code, data);
+}
+
+void Terminal::performOsc(std::int64_t code, std::span<const std::uint8_t> data)
+{
     switch (code) {
     case 0:
     case 2:

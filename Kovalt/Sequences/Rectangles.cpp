@@ -99,8 +99,11 @@ void Terminal::cmdSelectiveEraseRectangularArea(const CsiSequence& sequence)
         return;
     for (int row = area->top; row <= area->bottom; ++row) {
         BufferLine& line = m_buffer->screenLine(row);
-        for (int column = area->left; column <= area->right; ++column)
-            line.set(column, CharData::null(line[column].attribute));
+        for (int column = area->left; column <= area->right; ++column) {
+            const Attribute looks = line[column].attribute;
+            if ((looks.guard & CharacterGuard::Selective) == 0)
+                line.set(column, CharData::null(looks));
+        }
     }
     updateRows(area->top, area->bottom);
 }

@@ -133,7 +133,7 @@ bool applyParameter(Attribute& attribute, int parameter)
     } else if (within(100, 107)) {
         attribute.bg = indexed(100 - 8);
     } else if (parameter == 0) {
-        attribute = {};
+        attribute.resetLooks();
     } else if (parameter == 39) {
         attribute.fg = {};
     } else if (parameter == 49) {
@@ -163,7 +163,7 @@ bool applyParameter(Attribute& attribute, int parameter)
 void Terminal::cmdSelectGraphicRendition(const CsiSequence& sequence)
 {
     if (sequence.parameters.size() == 1 && sequence.parameters[0] == 0) {
-        m_curAttr = {};
+        m_curAttr.resetLooks();
         return;
     }
     const Parameters parameters(sequence);

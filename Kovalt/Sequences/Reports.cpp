@@ -19,7 +19,7 @@ struct DeviceReply {
 /// Private status requests whose answer never changes. In their order: printer, user-defined keys,
 /// keyboard, locator, kind of locator, macro space, data integrity, sessions.
 constexpr DeviceReply DeviceReplies[] = {
-    {15, "?10n"},   {25, "?21n"}, {26, "?27;1;0;0n"}, {55, "?53n"},
+    {15, "?10n"},   {25, "?21n"}, {26, "?27;1;0;0n"}, {53, "?53n"}, {55, "?53n"},
     {56, "?57;1n"}, {62, "0*{"},  {75, "?70n"},       {85, "?83n"},
 };
 
@@ -38,6 +38,11 @@ void Terminal::cmdSendDeviceAttributes(const CsiSequence& sequence)
         return sendCsi(">65;20;1c");
     if (!collect.empty())
         return;
+    sendPrimaryAttributes();
+}
+
+void Terminal::sendPrimaryAttributes()
+{
     const std::string_view name = m_options.termName;
     if (name.starts_with("xterm"))
         sendCsi(m_options.enableSixelReported ? "?65;4;1;2;6;21;22;17;28c"
@@ -59,9 +64,8 @@ void Terminal::cmdDeviceStatus(const CsiSequence& sequence)
         return sendCsi("0n");
     if (request == 6) {
         const int firstRow = m_modes.originMode ? m_buffer->scrollTop : 0;
-        const int firstCol = m_modes.originMode ? m_buffer->marginLeft : 0;
-        // A cursor behind the last column still stands on it.
-        const int col = std::min(m_buffer->x, m_cols - 1);
+        const int firstCol = m_modes.originMode ? leftMargin() : 0;
+        const int col = m_buffer->standingColumn();
         const auto row = std::to_string(std::max(m_buffer->y - firstRow + 1, 1));
         const auto place = row + ';' + std::to_string(std::max(col - firstCol + 1, 1));
         return sendCsi(isPrivate ? '?' + place + ";1R" : place + 'R');

@@ -138,10 +138,18 @@ ModeReply switchedMode(int mode, const TerminalModes& modes)
     }
 }
 
+/// Terminals of the first two levels don't know the request.
+bool canRequestModes(TerminalConformance level)
+{
+    return level >= TerminalConformance::Vt300;
+}
+
 } // namespace
 
 void Terminal::cmdRequestAnsiMode(const CsiSequence& sequence)
 {
+    if (!canRequestModes(m_modes.conformance))
+        return;
     const int mode = sequence.parameters[0];
     sendCsi(modeReport("", mode, ansiMode(mode, m_modes, m_currentBidiState)));
 }
@@ -149,6 +157,8 @@ void Terminal::cmdRequestAnsiMode(const CsiSequence& sequence)
 void Terminal::cmdRequestPrivateMode(const CsiSequence& sequence)
 {
     constexpr int WideColumns = 132;
+    if (!canRequestModes(m_modes.conformance))
+        return;
     const int mode = sequence.parameters[0];
     ModeReply reply = switchedMode(mode, m_modes);
     if (mode == 3)

@@ -8,7 +8,7 @@ namespace Kovalt {
 
 bool Terminal::isCursorInMargins() const
 {
-    const int x = std::min(m_buffer->x, m_cols - 1);
+    const int x = m_buffer->standingColumn();
     return x >= leftMargin() && x <= rightMargin();
 }
 
@@ -134,8 +134,12 @@ void Terminal::cmdScrollDown(int n)
 /// Columns from `column` to the right margin go right (`back`) or left, in every row of the region.
 void Terminal::columnScroll(bool back, int column, int n)
 {
-    if (!isCursorInScrollRegion())
-        return;
+    if (isCursorInScrollRegion())
+        shiftColumns(back, column, n);
+}
+
+void Terminal::shiftColumns(bool back, int column, int n)
+{
     Buffer& buffer = *m_buffer;
     for (int row = buffer.scrollTop; row <= buffer.scrollBottom; ++row) {
         BufferLine& line = buffer.screenLine(row);
@@ -151,7 +155,7 @@ void Terminal::columnScroll(bool back, int column, int n)
 void Terminal::columnIndex(bool back)
 {
     Buffer& buffer = *m_buffer;
-    buffer.x = std::min(buffer.x, m_cols - 1);
+    endWaiting();
     const int margin = back ? leftMargin() : rightMargin();
     if (buffer.x == margin)
         columnScroll(back, leftMargin(), 1);

@@ -8,6 +8,7 @@ namespace Kovalt {
 
 void Terminal::cmdTab()
 {
+    endWaiting();
     m_buffer->x = m_buffer->nextTabStop(-1, m_modes.marginMode);
 }
 
@@ -21,6 +22,7 @@ void Terminal::cmdTabBackward(int n)
 {
     if (m_buffer->x > m_cols)
         return;
+    endWaiting();
     for (n = std::min(n, m_cols - 1); n > 0; --n)
         m_buffer->x = m_buffer->previousTabStop();
 }
@@ -28,7 +30,7 @@ void Terminal::cmdTabBackward(int n)
 void Terminal::cmdTabClear(int what)
 {
     if (what == 0)
-        m_buffer->tabClear(m_buffer->x);
+        m_buffer->tabClear(m_buffer->standingColumn());
     else if (what == 3)
         m_buffer->tabClearAll();
 }

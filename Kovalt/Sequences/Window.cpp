@@ -53,6 +53,8 @@ constexpr WindowRow WindowTable[] = {
     {21, End, End, Kind::ReportWindowTitle},
 };
 
+/// From here on a single parameter is the number of a page's lines (DECSLPP).
+constexpr int FewestPageLines = 24;
 constexpr int PushTitle = 22;
 constexpr int PopTitle = 23;
 
@@ -129,6 +131,8 @@ void Terminal::cmdWindowOptions(const CsiSequence& sequence)
             reportWindow(command.kind);
         return;
     }
+    if (parameters.size() == 1 && parameters[0] >= FewestPageLines)
+        return requestSize(m_cols, parameters[0]);
     const bool isTitle = parameters.size() == 2 && parameters[1] <= 2;
     if (isTitle && parameters[0] == PushTitle)
         pushTitles(parameters[1] != 2, parameters[1] != 1);
@@ -136,6 +140,12 @@ void Terminal::cmdWindowOptions(const CsiSequence& sequence)
         popTitles(parameters[1] != 2, parameters[1] != 1);
     else
         log({"Unhandled Window command: ", describe(parameters)});
+}
+
+void Terminal::requestSize(int cols, int rows)
+{
+    if (m_delegate)
+        (void)m_delegate->windowCommand(*this, {Kind::ResizeTo, cols, rows});
 }
 
 void Terminal::reportWindow(WindowManipulationCommand::Kind kind)

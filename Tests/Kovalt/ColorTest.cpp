@@ -1,6 +1,7 @@
 #include "Kovalt/Color.h"
 #include "Kovalt/Attribute.h"
 #include "Kovalt/LabColor.h"
+#include "Kovalt/ScreenProfile.h"
 
 #include <gtest/gtest.h>
 
@@ -92,24 +93,64 @@ TEST(Color, WhatIsNoColourIsNone)
 TEST(Color, ColourSpacesAgreeOnWhiteAndBlack)
 {
     for (const char* const white :
-         {"rgbi:1/1/1", "RGBI:1.0/1e0/+1", "CIEXYZ:0.95047/1/1.08883", "CIExyY:0.31273/0.32902/1",
-          "CIEuvY:0.19784/0.46834/1", "CIELab:100/0/0", "CIELuv:100/0/0", "TekHVC:0/100/0",
+         {"rgbi:1/1/1", "RGBI:1.0/1e0/+1", "CIEXYZ:0.94966/1/1.40604", "CIExyY:0.28301/0.29802/1",
+          "CIEuvY:0.17835/0.42256/1", "CIELab:100/0/0", "CIELuv:100/0/0", "TekHVC:0/100/0",
           "ciexyz:2/2/2"})
-        EXPECT_LE(distance(*Colors::parseColor(white), {0xFFFF, 0xFFFF, 0xFFFF}), 0x80) << white;
+        EXPECT_LE(distance(*Colors::parseColor(white), {0xFFFF, 0xFFFF, 0xFFFF}), 0x101) << white;
+    // No gun gives light before a few of its steps.
     for (const char* const black : {"rgbi:0/0/0", "CIEXYZ:0/0/0", "CIExyY:0.3/0/0", "CIExyY:0/0/1",
                                     "CIEuvY:0/0/1", "CIELab:0/0/0", "CIELuv:0/0/0", "TekHVC:0/0/0"})
-        EXPECT_EQ(parsed(black), "rgb:0000/0000/0000") << black;
+        EXPECT_EQ(parsed(black), "rgb:0909/1313/0e0e") << black;
 }
 
 TEST(Color, ColourSpacesAgreeOnAColour)
 {
-    const Color red{0xFFFF, 0, 0};
+    const Color red{0xFFFF, 0x1313, 0x0E0E};
 
-    for (const char* const same : {"rgbi:1/0/0", "CIEXYZ:0.4125/0.2127/0.0193",
-                                   "CIExyY:0.64/0.33/0.2127", "CIEuvY:0.4507/0.5229/0.2127",
-                                   "CIELab:53.241/80.092/67.203", "CIELuv:53.241/175.015/37.756"})
-        EXPECT_LE(distance(*Colors::parseColor(same), red), 0x700) << same << parsed(same);
-    EXPECT_EQ(parsed("rgbi:0.5/0.5/0.5"), "rgb:bc40/bc40/bc40");
+    for (const char* const same :
+         {"rgbi:1/0/0", "CIEXYZ:0.38106/0.20730/0.02134", "CIExyY:0.62500/0.34000/0.20730",
+          "CIEuvY:0.42808/0.52397/0.20730"})
+        EXPECT_LE(distance(*Colors::parseColor(same), red), 0x303) << same << parsed(same);
+}
+
+TEST(Color, AColourHasTheStepsOfTheGunsThatShowIt)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"rgbi:0.5/0.5/0.5", "rgb:c1c1/bbbb/bbbb"},
+        {"rgbi:0.001/0.001/0.001", "rgb:0b0b/1515/0f0f"},
+        {"CIEXYZ:0.5/0.5/0.5", "rgb:dddd/b5b5/a0a0"},
+        {"CIELab:50/0/0", "rgb:8383/7d7d/7e7e"},
+        {"CIELuv:50/0/0", "rgb:8383/7d7d/7e7e"},
+        {"TekHVC:0/50/0", "rgb:8383/7d7d/7e7e"},
+        {"TekHVC:1/1/1", "rgb:1a1a/1313/0f0f"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(parsed(text), expected) << text;
+}
+
+TEST(Color, WhatCantBeShownLosesChromaAndKeepsHueAndValue)
+{
+    EXPECT_EQ(parsed("CIEuvY:0.5/0.5/0.5"), "rgb:ffff/a3a3/aeae");
+    EXPECT_EQ(parsed("CIExyY:0.5/0.5/0.5"), "rgb:f7f7/b3b3/0e0e");
+    for (const HvcColor wanted : {HvcColor{10, 60, 5000}, HvcColor{200, 30, 900}}) {
+        const auto shown = ScreenProfile::fromXyz(ScreenProfile::fromHvc(wanted));
+        const auto grey = ScreenProfile::fromXyz(ScreenProfile::fromHvc({0, wanted.value, 0}));
+        EXPECT_NE(shown, grey);
+        const auto same =
+            ScreenProfile::fromXyz(ScreenProfile::fromHvc({wanted.hue, wanted.value, 9999}));
+        EXPECT_EQ(shown, same);
+    }
+}
+
+TEST(Color, HueValueAndChromaAndBackIsTheSameColour)
+{
+    const HvcColor color{70, 55, 40};
+
+    const auto back = ScreenProfile::toHvc(ScreenProfile::fromHvc(color));
+
+    EXPECT_NEAR(back.hue, color.hue, 1e-6);
+    EXPECT_NEAR(back.value, color.value, 1e-6);
+    EXPECT_NEAR(back.chroma, color.chroma, 1e-6);
 }
 
 TEST(Color, AHueOfTekHvcTurnsFromRedOverYellowAndGreenToBlue)

@@ -48,6 +48,7 @@ TEST(DeviceAttributes, TheReplyFollowsTheNameOfTheTerminal)
 
         expectReport(harness, "\x1b[c", Introducer::Csi, body);
         expectReport(harness, "\x1b[0c", Introducer::Csi, body);
+        expectReport(harness, "\x1bZ", Introducer::Csi, body);
     }
 }
 
@@ -90,6 +91,7 @@ TEST(DeviceStatus, EveryRequestHasItsReply)
     expectReport(harness, "\x1b[?15n", Introducer::Csi, "?10n");
     expectReport(harness, "\x1b[?25n", Introducer::Csi, "?21n");
     expectReport(harness, "\x1b[?26n", Introducer::Csi, "?27;1;0;0n");
+    expectReport(harness, "\x1b[?53n", Introducer::Csi, "?53n");
     expectReport(harness, "\x1b[?55n", Introducer::Csi, "?53n");
     expectReport(harness, "\x1b[?56n", Introducer::Csi, "?57;1n");
     expectReport(harness, "\x1b[?62n", Introducer::Csi, "0*{");
@@ -136,6 +138,14 @@ TEST(DeviceStatus, InOriginModeThePlaceIsRelativeToTheMargins)
     expectReport(harness, "\x1b[?6n", Introducer::Csi, "?3;4;1R");
     harness.feed("\x1b[?6l\x1b[3;4H");
     expectReport(harness, "\x1b[6n", Introducer::Csi, "3;4R");
+}
+
+TEST(DeviceStatus, MarginsThatWereLeftWithTheirModeDoNotCount)
+{
+    TerminalHarness harness;
+    harness.feed("\x1b[?6h\x1b\x37\x1b[?69h\x1b[3;15s\x1b\x38\x1b[4;5H");
+
+    expectReport(harness, "\x1b[6n", Introducer::Csi, "4;5R");
 }
 
 TEST(ModeRequest, WithoutAParameterTheReplyIsEmpty)

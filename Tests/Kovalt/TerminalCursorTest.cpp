@@ -131,7 +131,7 @@ TEST(TerminalCursor, OriginModeCountsFromTheMargins)
         {"CUP", "\x1B[3;6r\x1B[?6h\x1B[2;3H", 2, 3},
         {"CUP stops at the region", "\x1B[3;6r\x1B[?6h\x1B[9;3H", 2, 5},
         {"CUP with columns", "\x1B[?69h\x1B[5;10s\x1B[3;6r\x1B[?6h\x1B[2;3H", 6, 3},
-        {"CUP stops at the margin", "\x1B[?69h\x1B[5;10s\x1B[?6h\x1B[2;30H", 9, 1},
+        {"CUP stops at the edge", "\x1B[?69h\x1B[5;10s\x1B[?6h\x1B[2;30H", 19, 1},
         {"CHA", "\x1B[?69h\x1B[5;10s\x1B[?6h\x1B[2G", 5, 0},
         {"CHA without margin mode", "\x1B[?6h\x1B[2G", 1, 0},
         {"HPA is absolute", "\x1B[?69h\x1B[5;10s\x1B[?6h\x1B[2`", 1, 0},
@@ -145,6 +145,56 @@ TEST(TerminalCursor, OriginModeCountsFromTheMargins)
         {"DECSLRM likewise", "\x1B[?6h\x1B[?69h\x1B[5;10s", 4, 0},
     };
     expectMovements(cases);
+}
+
+TEST(TerminalCursor, BehindTheRightMarginItWaitsInTheLastColumnBeforeIt)
+{
+    // Columns 5 to 10; six letters fill them.
+    const std::string full = "\x1B[?69h\x1B[5;10s\x1B[3;5Habcdef";
+    const std::pair<const char*, Position> cases[] = {
+        {"", {9, 2}},
+        {"\b", {8, 2}},
+        {"\x1B[D", {8, 2}},
+        {"\x1B[C", {9, 2}},
+        {"\x1B[A", {9, 1}},
+        {"\x1B[B", {9, 3}},
+        {"\x1B[a", {10, 2}},
+        {"\x1B[e", {9, 3}},
+        {"\x1B[4d", {9, 3}},
+        {"\n", {9, 3}},
+        {"\x1BM", {9, 1}},
+        {"\t", {9, 2}},
+        {"\x1B[Z", {8, 2}},
+        {"\x1B\x37\x1B[H\x1B\x38", {9, 2}},
+        {"g", {5, 3}},
+        {"\x1B[?7lg", {9, 2}},
+        {"\x1B[?1049h", {9, 2}},
+        {"\x1B[11G", {10, 2}},
+        {"\x1B[3;11H", {10, 2}},
+        {"\x1B[11`", {10, 2}},
+    };
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        TerminalHarness t(20, 10);
+        t.feed(full + text);
+        EXPECT_EQ(t.replyTo("\x1B[6n"), "\x1B[" + std::to_string(expected.row + 1) + ";" +
+                                            std::to_string(expected.col + 1) + "R");
+    }
+}
+
+TEST(TerminalCursor, EditsWhileItWaitsActOnTheLastColumnBeforeTheMargin)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"\x1B[X", "    abcde"}, {"\x1B[P", "    abcde"},        {"\x1B[@", "    abcde"},
+        {"\x1B[K", "    abcde"}, {"\x1B['}", "    abcde"},       {"\x1B['~", "    abcde"},
+        {"\x1B[1K", ""},         {"\x1B[L\x1B[M", "    abcdef"},
+    };
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        TerminalHarness t(20, 3);
+        t.feed(std::string("\x1B[?69h\x1B[5;10s\x1B[1;5Habcdef") + text);
+        EXPECT_EQ(t.row(0), expected);
+    }
 }
 
 TEST(TerminalCursor, RegionsOfFewerThanTwoLinesAreRefused)
@@ -175,6 +225,26 @@ TEST(TerminalCursor, ReverseWraparoundGoesBackOverWrappedLines)
     expectMovements(cases);
 }
 
+TEST(TerminalCursor, ExtendedReverseWraparoundGoesBackOverTheEndOfAnyLine)
+{
+    const Movement cases[] = {
+        {"BS", "\x1B[?1045h\x1B[3;1H\b", 19, 1},
+        {"BS at the top", "\x1B[?1045h\b", 19, 9},
+        {"BS at the top of the region", "\x1B[?1045h\x1B[3;6r\x1B[3;1H\b", 19, 5},
+        {"BS between margins", "\x1B[?1045h\x1B[?69h\x1B[5;10s\x1B[3;5H\b", 9, 1},
+        {"CUB", "\x1B[?1045h\x1B[3;3H\x1B[5D", 17, 1},
+        {"CUB between margins", "\x1B[?1045h\x1B[?69h\x1B[5;10s\x1B[3;6H\x1B[9D", 8, 0},
+        {"CUB from the left of the margins", "\x1B[?1045h\x1B[?69h\x1B[5;10s\x1B[3;3H\x1B[4D", 8,
+         1},
+        {"CUB round and round", "\x1B[?1045h\x1B[200D", 0, 0},
+        {"CUB with only the other mode", "\x1B[?45h\x1B[3;3H\x1B[5D", 0, 2},
+        {"only while lines wrap", "\x1B[?1045h\x1B[?7l\x1B[3;1H\b", 0, 2},
+        {"off again", "\x1B[?1045h\x1B[?1045l\x1B[3;1H\b", 0, 2},
+        {"off after a soft reset", "\x1B[?1045h\x1B[!p\x1B[3;1H\b", 0, 2},
+    };
+    expectMovements(cases);
+}
+
 TEST(TerminalCursor, TabsStopWhereTheyAreSet)
 {
     const Movement cases[] = {
@@ -195,6 +265,47 @@ TEST(TerminalCursor, TabsStopWhereTheyAreSet)
         {"the right margin ends a tab", "\x1B[?69h\x1B[3;6s\x1B[1;3H\t", 5, 0},
     };
     expectMovements(cases);
+}
+
+TEST(TerminalCursor, TabsKeepToTheMarginsFromEveryColumn)
+{
+    // Stops at columns 1, 5, 9 and 13; margins at 4 and 11.
+    const std::string stops = "\x1B[3g\x1B[1;5H\x1BH\x1B[1;9H\x1BH\x1B[1;13H\x1BH\x1B[1;1H\x1BH";
+    const auto next = [](int col, int end) {
+        for (const int stop : {4, 8, 12})
+            if (stop > col && stop < end)
+                return stop;
+        return end;
+    };
+    const auto previous = [](int col) {
+        for (const int stop : {12, 8, 4})
+            if (stop < col)
+                return stop;
+        return 0;
+    };
+    for (const bool hasMargins : {false, true}) {
+        for (const bool origin : {false, true}) {
+            for (int col = 0; col < 20; ++col) {
+                const std::string place = stops + (hasMargins ? "\x1B[?69h\x1B[4;11s" : "") +
+                                          (origin ? "\x1B[?6h" : "") + "\x1B[" +
+                                          std::to_string(col + 1) + '`';
+                SCOPED_TRACE(testing::PrintToString(place));
+                const int end = hasMargins && col <= 10 ? 10 : 19;
+                const Movement cases[] = {
+                    {"HT", "\t", next(col, end), 0},
+                    {"CHT", "\x1B[I", next(col, end), 0},
+                    {"CHT of two", "\x1B[2I", next(next(col, end), end), 0},
+                    {"CBT", "\x1B[Z", previous(col), 0},
+                    {"CBT of two", "\x1B[2Z", previous(previous(col)), 0},
+                };
+                for (const Movement& each : cases) {
+                    TerminalHarness t(20, 3);
+                    t.feed(place + each.text);
+                    EXPECT_EQ(t.cursor(), (Position{each.col, each.row})) << each.name;
+                }
+            }
+        }
+    }
 }
 
 TEST(TerminalCursor, NewColumnsHaveTheirTabStops)

@@ -125,6 +125,13 @@ TEST(TerminalEdit, MovesColumns)
         {"DECDC", "\x1B[3;2H\x1B[2'~", "ade|fij|kno|pst|uxy"},
         {"DECDC in both", "\x1B[?69h\x1B[2;4s\x1B[2;4r\x1B[3;3H\x1B['~",
          "abcde|fgi j|kln o|pqs t|uvwxy"},
+        {"SL", "\x1B[3;3H\x1B[2 @", "cde|hij|mno|rst|wxy"},
+        {"SL in both", "\x1B[?69h\x1B[2;4s\x1B[2;4r\x1B[1;1H\x1B[ @",
+         "abcde|fhi j|kmn o|prs t|uvwxy"},
+        {"SR", "\x1B[3;3H\x1B[2 A", "  abc|  fgh|  klm|  pqr|  uvw"},
+        {"SR in both", "\x1B[?69h\x1B[2;4s\x1B[2;4r\x1B[1;1H\x1B[ A",
+         "abcde|f ghj|k lmo|p qrt|uvwxy"},
+        {"SL of many", "\x1B[65535 @", "||||"},
         {"DECDC of many", "\x1B[3;2H\x1B[65535'~", "a|f|k|p|u"},
     };
     expectEdits(cases);

@@ -302,6 +302,54 @@ TEST(TerminalModes, ConformanceChoosesTheFormOfAnswers)
     EXPECT_EQ(t.modes().conformance, TerminalConformance::Vt500);
 }
 
+TEST(TerminalModes, EachLevelKnowsWhatItsTerminalsKnew)
+{
+    struct Case {
+        const char* level;
+        bool requests;
+        bool margins;
+    };
+    const Case cases[] = {{"61", false, false},
+                          {"62", false, false},
+                          {"63", true, false},
+                          {"64", true, true},
+                          {"65", true, true}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.level);
+        TerminalHarness t;
+        t.feed("\x1B[" + std::string(each.level) + ";1\"p\x1B[?69h\x1B[5;6s");
+        EXPECT_EQ(!t.replyTo("\x1B[4$p").empty(), each.requests);
+        EXPECT_EQ(!t.replyTo("\x1B[?69$p").empty(), each.requests);
+        EXPECT_EQ(t.modes().marginMode, each.margins);
+        t.feed("\x1B[!p");
+        EXPECT_EQ(t.replyTo("\x1B[4$p"), "\x1B[4;2$y");
+        t.feed("\x1B[?69h\x1B[63\"p");
+        EXPECT_FALSE(t.modes().marginMode);
+    }
+}
+
+TEST(TerminalModes, ASoftResetBringsBackTheHighestLevelAndTheSevenBitForm)
+{
+    TerminalHarness t;
+
+    t.feed("\x1B[62;0\"p\x1B G\x1B[!p");
+
+    EXPECT_EQ(t.modes(), TerminalModes{});
+    EXPECT_EQ(t.replyTo("\x1B[5n"), "\x1B[0n");
+}
+
+TEST(TerminalModes, ASoftResetTakesTheMarginsOfBothScreens)
+{
+    TerminalHarness t(10, 5);
+
+    t.feed("\x1B[?69h\x1B[2;4r\x1B[3;6s\x1B[?47h\x1B[2;4r\x1B[3;6s\x1B[!p");
+    for (const char* const screen : {"", "\x1B[?47l"}) {
+        t.feed(screen);
+        EXPECT_EQ(t.replyTo("\x1BP$qr\x1B\\"), "\x1BP1$r1;5r\x1B\\");
+        EXPECT_EQ(t.replyTo("\x1BP$qs\x1B\\"), "\x1BP1$r1;10s\x1B\\");
+    }
+}
+
 TEST(TerminalModes, ASoftResetUndoesWhatChangesHowTextGoesIn)
 {
     TerminalHarness t(10, 5);
@@ -407,7 +455,7 @@ TEST(TerminalModes, WhatIsUnknownIsToldOnlyIfTheLogIsNotSilent)
         {"\x1B[#}", "Info: CSI # } not implemented- XTPOPSGR with [0]\n"},
         {"\x1B[1;2'z", "Info: TODO: Enable Locator Reporting (DECELR)\n"},
         {"\x1B[1Q", "Info: Kovalt: Unknown CSI Code (collect= code=Q pars=[1])\n"},
-        {"\x1BV", "Info: Kovalt: Unknown ESC Code: ESC + V txt=\n"},
+        {"\x1BU", "Info: Kovalt: Unknown ESC Code: ESC + U txt=\n"},
         {"\x1B!V", "Info: Kovalt: Unknown ESC Code: ESC + V txt=!\n"},
         {"\x01", "Info: Kovalt: Unknown EXECUTE code\n"},
         {"\x1B_X1\x1B\\", "Info: Kovalt: Unknown APC code: X\n"},

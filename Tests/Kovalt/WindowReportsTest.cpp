@@ -80,10 +80,32 @@ TEST(WindowCommand, OtherListsAreNoCommand)
     TerminalHarness harness;
 
     for (const char* const list :
-         {"",      "0",  "3",    "3;1",    "3;1;2;3", "4;1",    "8;24", "9",  "9;4",
-          "9;1;1", "10", "10;3", "12",     "13;1",    "13;2;0", "14;1", "17", "18;0",
-          "22",    "23", "22;3", "22;0;0", "24",      "1;0",    "99"})
+         {"",    "0",     "3",  "3;1",  "3;1;2;3", "4;1",    "8;24",   "9",
+          "9;4", "9;1;1", "10", "10;3", "12",      "13;1",   "13;2;0", "14;1",
+          "17",  "18;0",  "22", "23",   "22;3",    "22;0;0", "24;1",   "1;0"})
         EXPECT_EQ(harness.replyTo(request(list)), "") << list;
+    EXPECT_TRUE(harness.delegate.windowCommands.empty());
+}
+
+TEST(WindowCommand, ThePageHasAsManyLinesAndColumnsAsAreAskedFor)
+{
+    TerminalHarness harness(20, 6);
+    const std::pair<const char*, WindowManipulationCommand> cases[] = {
+        {"\x1b[24t", {Kind::ResizeTo, 20, 24}},  {"\x1b[99t", {Kind::ResizeTo, 20, 99}},
+        {"\x1b[10*|", {Kind::ResizeTo, 20, 10}}, {"\x1b[132$|", {Kind::ResizeTo, 132, 6}},
+        {"\x1b[$|", {Kind::ResizeTo, 80, 6}},
+    };
+    for (const auto& [request, expected] : cases) {
+        SCOPED_TRACE(testing::PrintToString(request));
+        harness.delegate.windowCommands.clear();
+
+        expectNoReport(harness, request);
+
+        ASSERT_EQ(harness.delegate.windowCommands.size(), 1U);
+        EXPECT_TRUE(harness.delegate.windowCommands[0] == expected);
+    }
+    harness.delegate.windowCommands.clear();
+    harness.feed("\x1b[*|\x1b[5|\x1b[5>|");
     EXPECT_TRUE(harness.delegate.windowCommands.empty());
 }
 
@@ -241,4 +263,63 @@ TEST(TitleModes, TitlesAreReadAndReportedAsHexDigits)
     expectReport(harness, request("21"), Introducer::Osc, "l6162");
     harness.feed("\x1b[>0;1T");
     expectReport(harness, request("21"), Introducer::Osc, "lab");
+}
+
+TEST(TitleModes, EveryCombinationReadsAndReportsBothTitles)
+{
+    for (int bits = 0; bits < 16; ++bits) {
+        const auto isOn = [bits](int mode) { return (bits >> mode & 1) != 0; };
+        TerminalHarness harness;
+        for (int mode = 0; mode < 4; ++mode)
+            harness.feed("\x1b[>" + std::to_string(mode) + (isOn(mode) ? 't' : 'T'));
+        SCOPED_TRACE(bits);
+        const bool setHex = isOn(0);
+        const bool queryHex = isOn(1);
+
+        harness.feed(osc(setHex ? "1;6969" : "1;ii") + osc(setHex ? "2;C3A477" : "2;äw"));
+
+        expectReport(harness, request("20"), Introducer::Osc, queryHex ? "L6969" : "Lii");
+        expectReport(harness, request("21"), Introducer::Osc, queryHex ? "lC3A477" : "läw");
+    }
+}
+
+TEST(TitleStack, WhateverIsPushedIsPoppedByWhoeverAsksForIt)
+{
+    const auto has = [](int kind, int which) { return kind == 0 || kind == which; };
+    for (int push = 0; push <= 2; ++push) {
+        for (int pop = 0; pop <= 2; ++pop) {
+            SCOPED_TRACE(std::to_string(push) + ' ' + std::to_string(pop));
+            TerminalHarness harness;
+            harness.feed(osc("1;old") + osc("2;former"));
+            harness.feed("\x1b[22;" + std::to_string(push) + 't');
+            harness.feed(osc("1;new") + osc("2;latter"));
+
+            harness.feed("\x1b[23;" + std::to_string(pop) + 't');
+
+            const bool icon = has(push, 1) && has(pop, 1);
+            const bool window = has(push, 2) && has(pop, 2);
+            expectReport(harness, request("20"), Introducer::Osc, icon ? "Lold" : "Lnew");
+            expectReport(harness, request("21"), Introducer::Osc, window ? "lformer" : "llatter");
+        }
+    }
+}
+
+TEST(WindowReport, EverySizeFollowsAResizeInBothForms)
+{
+    for (const auto& [cols, rows] : {std::pair{80, 25}, {132, 24}, {2, 1}, {300, 100}}) {
+        SCOPED_TRACE(cols);
+        TerminalHarness harness(20, 6);
+        const std::string width = std::to_string(cols * 10);
+        const std::string height = std::to_string(rows * 16);
+        const std::string size = std::to_string(rows) + ';' + std::to_string(cols) + 't';
+        harness.onBoth([cols = cols, rows = rows](Terminal& t) { t.resize(cols, rows); });
+
+        for (const char* const list : {"14", "14;2"})
+            expectReport(harness, request(list), Introducer::Csi,
+                         "4;" + height + ';' + width + 't');
+        expectReport(harness, request("15"), Introducer::Csi, "5;" + height + ';' + width + 't');
+        expectReport(harness, request("16"), Introducer::Csi, "6;16;10t");
+        expectReport(harness, request("18"), Introducer::Csi, "8;" + size);
+        expectReport(harness, request("19"), Introducer::Csi, "9;" + size);
+    }
 }

@@ -380,6 +380,13 @@ TEST_F(KovaltTool, AnswersReportsAtOnce)
     EXPECT_TRUE(replyTo("\\033[c", 'c').startsWith("^[[?65;"));
 }
 
+TEST_F(KovaltTool, KeepsClipboardAndSpecialColours)
+{
+    EXPECT_EQ(replyTo("\\033]52;c;SGk=\\007\\033]52;c;?\\007", '\\'), "^[]52;c;SGk=^[\\");
+    EXPECT_EQ(replyTo("\\033]5;0;#abcdef\\007\\033]5;0;?\\007", '\\'),
+              "^[]5;0;rgb:abab/cdcd/efef^[\\");
+}
+
 TEST_F(KovaltTool, ReportsTheWindowThatItPretends)
 {
     const std::tuple<const char*, char, const char*> cases[] = {
@@ -409,6 +416,8 @@ TEST_F(KovaltTool, ReportsTheWindowThatItPretends)
         {"\\033[10;1t\\033[18t", 't', "^[[8;75;240t"},
         {"\\033[10;2t\\033[10;2t\\033[18t", 't', "^[[8;25;80t"},
         {"\\033[9;3t\\033[10;1t\\033[10;0t\\033[18t", 't', "^[[8;25;240t"},
+        {"\\033[10;1t\\033[8;30;90t\\033[10;0t\\033[9;0t\\033[18t", 't', "^[[8;30;90t"},
+        {"\\033[10;1t\\033[8;30;90t\\033[10;1t\\033[18t", 't', "^[[8;75;240t"},
         {"\\033]1;small\\007\\033[20t", '\\', "^[]Lsmall^[\\"},
         {"\\033]2;large\\007\\033[21t", '\\', "^[]llarge^[\\"},
     };

@@ -96,9 +96,12 @@ void PretendWindow::resizeToCells(int cols, int rows)
     resizeToPixels(rows * Cell.height, cols * Cell.width);
 }
 
-/// 0 leaves a side as it is. A window is no larger than its screen, and holds whole cells.
+/// 0 leaves a side as it is. A window is no larger than its screen, and holds whole cells. With a
+/// size of its own it neither fills the screen any more nor is there anything to go back to.
 void PretendWindow::resizeToPixels(int height, int width)
 {
+    m_normal.reset();
+    m_beforeFullScreen.reset();
     if (height > 0)
         m_size.height =
             std::clamp(height, Cell.height, m_screen.height) / Cell.height * Cell.height;

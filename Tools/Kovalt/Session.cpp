@@ -57,6 +57,7 @@ Session::Session(const Options& options, std::vector<KeyStep> keys)
     , m_keys(std::move(keys))
     , m_window(options.cols, options.rows)
     , m_terminal(this, terminalOptions(options, this))
+    , m_specialColors(m_terminal)
     , m_process(*this, m_loop, Kovalt::Delivery::Sliced,
                 [](const std::string& line) { complain(line); })
 {
@@ -275,6 +276,16 @@ void Session::send(Kovalt::Terminal& /*source*/, std::span<const std::uint8_t> d
 std::optional<std::pair<int, int>> Session::cellSizeInPixels(Kovalt::Terminal& /*source*/)
 {
     return std::pair(PretendWindow::Cell.width, PretendWindow::Cell.height);
+}
+
+void Session::clipboardCopy(Kovalt::Terminal& /*source*/, std::span<const std::uint8_t> content)
+{
+    m_clipboard.emplace(content.begin(), content.end());
+}
+
+std::optional<std::vector<std::uint8_t>> Session::clipboardRead(Kovalt::Terminal& /*source*/)
+{
+    return m_clipboard;
 }
 
 // The program's

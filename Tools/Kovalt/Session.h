@@ -7,6 +7,7 @@
 
 #include "Kovalt/Process/LocalProcess.h"
 #include "Kovalt/Process/PollLoop.h"
+#include "Kovalt/SpecialColors.h"
 #include "Kovalt/Terminal.h"
 #include "Kovalt/TerminalTimer.h"
 
@@ -36,6 +37,8 @@ private:
     void sizeChanged(Kovalt::Terminal& source) override;
     void send(Kovalt::Terminal& source, std::span<const std::uint8_t> data) override;
     std::optional<std::pair<int, int>> cellSizeInPixels(Kovalt::Terminal& source) override;
+    void clipboardCopy(Kovalt::Terminal& source, std::span<const std::uint8_t> content) override;
+    std::optional<std::vector<std::uint8_t>> clipboardRead(Kovalt::Terminal& source) override;
     void mouseModeChanged(Kovalt::Terminal& /*source*/) override {}
     // LocalProcessDelegate
     void processTerminated(Kovalt::LocalProcess& source,
@@ -69,8 +72,10 @@ private:
     std::optional<RawInput> m_rawInput;
     std::ofstream m_record;
     int m_signals = -1;
-    std::optional<int> m_status; ///< Once it has ended.
+    std::optional<int> m_status;                          ///< Once it has ended.
+    std::optional<std::vector<std::uint8_t>> m_clipboard; ///< What the program put there.
     Kovalt::Terminal m_terminal;
+    Kovalt::SpecialColors m_specialColors;
     Kovalt::LocalProcess m_process;
 };
 
