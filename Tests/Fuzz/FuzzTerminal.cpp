@@ -99,6 +99,19 @@ void requireSame(const Terminal& one, const Terminal& other)
     require(whole == cut, "same screen");
 }
 
+/// Without the blanks at the ends of rows: an empty cell that a cut wide character left its looks
+/// comes back as a blank.
+std::string shownText(const Terminal& terminal)
+{
+    std::string shown;
+    for (const char byte : ScreenDump::text(terminal)) {
+        if (byte == '\n')
+            shown.erase(shown.find_last_not_of(' ') + 1);
+        shown += byte;
+    }
+    return shown;
+}
+
 /// The screen, written down, looks the same elsewhere.
 void requireRoundTrip(const Terminal& terminal)
 {
@@ -108,7 +121,7 @@ void requireRoundTrip(const Terminal& terminal)
     other.setSilentLog(true);
     const std::string text = ScreenDump::sgr(terminal);
     other.feed(text);
-    require(ScreenDump::text(terminal) == ScreenDump::text(other), "same text again");
+    require(shownText(terminal) == shownText(other), "same text again");
     require(ScreenDump::sgr(other) == text, "same looks again");
 }
 
