@@ -122,14 +122,14 @@ std::string fullRows(int count)
 /// Bytes of a row of history that is full to its last column.
 void rowOfHistory(benchmark::State& state)
 {
-    constexpr int rows = 100'000;
-    const std::string text = fullRows(rows);
+    constexpr int HistoryRows = 100'000;
+    const std::string text = fullRows(HistoryRows);
     Silent silent;
     for (auto _ : state) {
         const std::size_t before = allocated();
-        const auto terminal = makeTerminal(silent, rows);
+        const auto terminal = makeTerminal(silent, HistoryRows);
         terminal->feed(text);
-        state.counters["bytes"] = double(allocated() - before) / rows;
+        state.counters["bytes"] = double(allocated() - before) / HistoryRows;
     }
 }
 BENCHMARK(rowOfHistory)->Iterations(1)->Unit(benchmark::kMillisecond);

@@ -132,14 +132,14 @@ void region(std::string& text, StreamRandom& random)
 
 void unicode(std::string& text, StreamRandom& random)
 {
-    static constexpr std::array<std::string_view, 14> pieces = {
+    static constexpr std::array<std::string_view, 14> Pieces = {
         "終端機",       "日本語の文",           "한국어",
         "héllo",        "e\u0301tude",          "n\u0303",
         "\U0001F600",   "\U0001F44D\U0001F3FD", "\U0001F468\u200D\U0001F469\u200D\U0001F467",
         "\u2764\uFE0F", "\U0001F1E9\U0001F1EA", "Ελληνικά",
         "русский",      "\u2500\u2502\u250C"};
     for (unsigned count = random.between(5, 9); count != 0; --count) {
-        text += pieces[random.below(pieces.size())];
+        text += Pieces[random.below(Pieces.size())];
         text += ' ';
     }
     text += "\r\n";

@@ -165,7 +165,7 @@ std::size_t Terminal::printSimpleRun(std::string_view text)
         return 0;
     m_buffer->insertScalarRun({run.data(), count}, m_curAttr, m_print.payload);
     m_print.lastCode = std::int32_t(run[count - 1].scalar);
-    m_print.lastWidth = run[count - 1].width;
+    m_print.lastWidth = UnicodeUtil::computeColumnWidth(run[count - 1].scalar);
     return at;
 }
 

@@ -34,8 +34,8 @@ std::uint64_t load(const std::uint8_t* bytes)
 /// The high bit of each byte that is 0, and no other bit.
 constexpr std::uint64_t zeroBytes(std::uint64_t word)
 {
-    constexpr auto low = inEachByte(0x7F);
-    return ~(((word & low) + low) | word | low);
+    constexpr auto Low = inEachByte(0x7F);
+    return ~(((word & Low) + Low) | word | Low);
 }
 
 constexpr std::uint64_t controlBytes(std::uint64_t word)

@@ -65,11 +65,11 @@ std::optional<char> controlOf(char32_t key)
 /// Function key `base`, 1 to 12.
 std::optional<std::string> functionSequence(int base, unsigned modifier)
 {
-    constexpr std::array<int, 8> tildes = {15, 17, 18, 19, 20, 21, 23, 24};
+    constexpr std::array<int, 8> Tildes = {15, 17, 18, 19, 20, 21, 23, 24};
     if (base < 1 || base > NumberedFunctionKeys)
         return std::nullopt;
     if (base > 4)
-        return KeySequences::legacyTilde(tildes[static_cast<std::size_t>(base - 5)], modifier);
+        return KeySequences::legacyTilde(Tildes[static_cast<std::size_t>(base - 5)], modifier);
     return KeySequences::legacyNavigation(static_cast<char>('P' + base - 1), modifier, true);
 }
 
@@ -77,11 +77,11 @@ std::optional<std::string> functionSequence(int base, unsigned modifier)
 /// keys under other modifiers.
 std::optional<std::string> functionCapability(int number)
 {
-    constexpr std::array<unsigned, 6> modifiers = {1, 2, 5, 6, 3, 4};
+    constexpr std::array<unsigned, 6> OfDozen = {1, 2, 5, 6, 3, 4};
     const auto dozen = static_cast<std::size_t>((number - 1) / NumberedFunctionKeys);
-    if (number < 1 || dozen >= modifiers.size())
+    if (number < 1 || dozen >= OfDozen.size())
         return std::nullopt;
-    return functionSequence((number - 1) % NumberedFunctionKeys + 1, modifiers[dozen]);
+    return functionSequence((number - 1) % NumberedFunctionKeys + 1, OfDozen[dozen]);
 }
 
 /// By how much the modifiers raise a function key's number; none if no number tells them.

@@ -31,7 +31,7 @@ std::shared_ptr<ProcessConnection>
 ProcessConnection::start(PseudoTerminalHelpers::ForkedChild child, Delivery delivery, RunLoop& loop,
                          Owner& owner, std::shared_ptr<ProcessLog> log)
 {
-    const std::shared_ptr<ProcessConnection> connection(
+    std::shared_ptr<ProcessConnection> connection(
         new ProcessConnection(std::move(child), delivery, loop, owner, std::move(log)));
     try {
         if (!connection->m_childWatch.isOpen())
