@@ -165,6 +165,15 @@ void DesktopSession::press(const QString& chord)
     run("xdotool", {"key", "--clearmodifiers", chord});
 }
 
+bool DesktopSession::awaitDialog()
+{
+    return waitFor([&] {
+        const QString focused = run("xdotool", {"getwindowfocus"}).trimmed();
+        const QString owner = run("xdotool", {"getwindowpid", focused}).trimmed();
+        return focused != m_window && owner == QString::number(m_program->processId());
+    });
+}
+
 void DesktopSession::clickAt(int x, int y)
 {
     run("xdotool",

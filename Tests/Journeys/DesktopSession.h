@@ -51,6 +51,8 @@ public:
     void type(const QString& text);
     /// Presses chords in xdotool's spelling, for example "ctrl+j" or "Return".
     void press(const QString& chord);
+    /// Waits until another window of the program has the keyboard.
+    bool awaitDialog();
     void clickAt(int x, int y);
     void resizeWindow(int width, int height);
 

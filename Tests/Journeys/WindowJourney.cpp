@@ -57,6 +57,7 @@ TEST(WindowJourney, TabsComeBackAfterARestart)
 
     // "New File…" asks for a name and opens what it made.
     desktop.press("ctrl+n");
+    ASSERT_TRUE(desktop.awaitDialog());
     desktop.type("tide.md");
     desktop.press("Return");
     ASSERT_TRUE(
