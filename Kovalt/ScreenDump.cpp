@@ -23,7 +23,7 @@ public:
     void writeRow(const BufferLine& line)
     {
         int end = m_cols;
-        while (end > 0 && isErased(line[end - 1]) && line[end - 1].attribute == Attribute{})
+        while (end > 0 && isErased(line[end - 1]) && lookOf(line[end - 1]) == Attribute{})
             --end;
         for (int column = 0; column < end;) {
             const CharData cell = line[column];
@@ -31,7 +31,7 @@ public:
                 column += writeErased(line, column, end);
                 continue;
             }
-            setLook(cell.attribute);
+            setLook(lookOf(cell));
             setLink(cell.payload);
             if (cell.code == 0)
                 m_text += ' ';
@@ -57,12 +57,20 @@ public:
     }
 
 private:
+    /// A guard against erasing is not seen.
+    static Attribute lookOf(const CharData& cell)
+    {
+        Attribute look = cell.attribute;
+        look.guard = CharacterGuard::None;
+        return look;
+    }
+
     /// Where a wide character was cut in two, empty cells keep its looks; no sequence erases so.
     static bool isErased(const CharData& cell)
     {
         Attribute look;
         look.bg = cell.attribute.bg;
-        return cell.code == 0 && cell.width != 0 && cell.attribute == look;
+        return cell.code == 0 && cell.width != 0 && lookOf(cell) == look;
     }
 
     /// Erased cells are passed over; those with a background are erased once more.

@@ -86,6 +86,17 @@ TEST(ScreenDump, JsonTellsCellsCursorModesAndTitles)
         << json;
 }
 
+TEST(ScreenDump, AGuardAgainstErasingIsNotALook)
+{
+    TerminalHarness guarded(6, 2);
+    TerminalHarness open(6, 2);
+
+    guarded.feed("\x1B[1\"qa\x1B[0\"qb\x1BVc\x1BW");
+    open.feed("abc");
+
+    EXPECT_EQ(ScreenDump::sgr(guarded.terminal), ScreenDump::sgr(open.terminal));
+}
+
 } // namespace
 
 } // namespace Kovalt
