@@ -155,6 +155,9 @@ public:
     /// Prints bytes 0x20 to 0x7E, of which it takes all but in insert mode, where it takes none.
     /// Returns how many were taken.
     [[nodiscard]] std::size_t insertAsciiRun(std::string_view text, const Attribute& attribute);
+    /// The same with a link that is known already.
+    [[nodiscard]] std::size_t insertAsciiRun(std::string_view text, const Attribute& attribute,
+                                             std::uint16_t payload);
     /// A character that is one scalar, of 1 or 2 columns.
     struct PrintedScalar {
         char32_t scalar;

@@ -39,12 +39,23 @@ struct CellWords {
     std::uint64_t third;
 };
 
+void writeCells(CharData* cells, const char* text, std::size_t count, const CellWords& pattern)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        CellWords cell = pattern;
+        cell.first |= static_cast<unsigned char>(text[i]);
+        std::memcpy(static_cast<void*>(cells + i), &cell, sizeof(cell));
+    }
+}
+
 /// Writes one cell a byte, all alike but for their code.
 void writeRun(CharData* cells, const char* text, std::size_t count, const CellWords& pattern)
 {
     std::size_t i = 0;
 #if defined(__SSE2__)
-    // Two cells are three wide stores.
+    // Two cells are three wide stores; a few cells are written before the patterns are made.
+    if (count < 4)
+        return writeCells(cells, text, count, pattern);
     const auto word = [](std::uint64_t value) { return std::int64_t(value); };
     const __m128i head = _mm_set_epi64x(word(pattern.second), word(pattern.first));
     const __m128i middle = _mm_set_epi64x(word(pattern.first), word(pattern.third));
@@ -58,11 +69,7 @@ void writeRun(CharData* cells, const char* text, std::size_t count, const CellWo
         _mm_storeu_si128(to + 2, tail);
     }
 #endif
-    for (; i < count; ++i) {
-        CellWords cell = pattern;
-        cell.first |= static_cast<unsigned char>(text[i]);
-        std::memcpy(static_cast<void*>(cells + i), &cell, sizeof(cell));
-    }
+    writeCells(cells + i, text + i, count - i, pattern);
 }
 
 } // namespace
@@ -138,12 +145,26 @@ void Buffer::insertCharacter(const CharData& character, std::uint16_t payload)
 
 std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attribute)
 {
+    return insertAsciiRun(text, attribute, host().resolvePayload());
+}
+
+std::size_t Buffer::insertAsciiRun(std::string_view text, const Attribute& attribute,
+                                   std::uint16_t payload)
+{
     if (insertMode || text.empty())
         return 0;
-    const CellWords pattern(attribute, host().resolvePayload(), semantic.content);
+    const CellWords pattern(attribute, payload, semantic.content);
     x = std::clamp(x, 0, m_cols);
     y = std::clamp(y, 0, m_rows - 1);
     const int limit = rightLimit();
+    // Most runs stay in their row.
+    if (const auto room = limit - x + 1; room > 0 && text.size() <= std::size_t(room)) {
+        const int count = int(text.size());
+        writeRun(screenLine(y).overwrite(x, count), text.data(), text.size(), pattern);
+        x += count;
+        waits = x > limit;
+        return text.size();
+    }
     for (std::size_t done = 0; done < text.size();) {
         if (x > limit) {
             if (wraparound) {

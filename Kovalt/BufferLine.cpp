@@ -3,6 +3,9 @@
 #include "Kovalt/GraphemeTable.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -13,9 +16,11 @@ namespace {
 
 bool hasOnlyBackground(const Attribute& attribute)
 {
-    return attribute.style == CharacterStyle::None &&
-           attribute.underlineStyle == UnderlineStyle::None && attribute.fg == CellColor{} &&
-           attribute.underlineColor == CellColor::none();
+    Attribute looks;
+    looks.bg = attribute.bg;
+    looks.guard = attribute.guard;
+    using Words = std::array<std::uint64_t, 2>;
+    return std::bit_cast<Words>(attribute) == std::bit_cast<Words>(looks);
 }
 
 /// Whether the cell is an erased one that has nothing but a background.

@@ -73,7 +73,8 @@ BufferLine& CircularBufferLineList::recycle(const Attribute& clearAttribute)
     }
     const bool hadImages = slot->hasImages();
     slot->recycle(clearAttribute);
-    m_owner.lineRecycled(hadImages);
+    if (hadImages) [[unlikely]]
+        m_owner.lineRecycled(true);
     return *slot;
 }
 

@@ -74,13 +74,16 @@ void Terminal::print(std::span<const std::uint8_t> bytes, TextKind kind)
     updateRange(buffer.y);
     const bool isPlain = kind == TextKind::PrintableAscii && m_print.heldCount == 0 &&
                          m_charsets.active() == CharSetId::Ascii;
-    if (isPlain && buffer.insertAsciiRun(text, m_curAttr) == text.size()) {
+    const int row = buffer.y;
+    if (isPlain && buffer.insertAsciiRun(text, m_curAttr, resolvePayload()) == text.size()) {
         m_print.lastCode = static_cast<unsigned char>(text.back());
         m_print.lastWidth = 1;
     } else {
         printBetweenStrays(text);
     }
-    updateRange(buffer.y);
+    // A row that scrolled in has been marked.
+    if (buffer.y != row)
+        updateRange(buffer.y);
 }
 
 /// The only control that stands in text is one that means nothing, also between the bytes of a
@@ -214,7 +217,7 @@ std::size_t Terminal::printAscii(std::string_view text)
         printableAsciiLength({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     if (length == 0)
         return 1;
-    if (m_buffer->insertAsciiRun(text.substr(0, length), m_curAttr) == length) {
+    if (m_buffer->insertAsciiRun(text.substr(0, length), m_curAttr, m_print.payload) == length) {
         m_print.lastCode = static_cast<unsigned char>(text[length - 1]);
         m_print.lastWidth = 1;
     } else {

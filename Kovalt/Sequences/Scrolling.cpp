@@ -39,7 +39,6 @@ void Terminal::scroll(bool isWrapped)
             buffer.screenLine(buffer.scrollBottom).setRenderMode(renderMode);
         if (isWhole) {
             updateRange(0, true);
-            updateRange(m_rows - 1, true);
             updateRange(buffer.scrollBottom);
         } else {
             noteInPlaceScroll(buffer.scrollTop, buffer.scrollBottom, -1);
