@@ -202,6 +202,7 @@ void Buffer::insertScalarRun(std::span<const PrintedScalar> run, const Attribute
             to += width;
         }
         x = end;
+        waits = x > limit;
         run = run.subspan(fitting);
     }
 }
