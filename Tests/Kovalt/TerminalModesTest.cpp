@@ -54,7 +54,8 @@ TEST(TerminalModes, EachSwitchIsSetAndReset)
                "h\x1B"
                "c");
         EXPECT_EQ(t.modes(), before);
-        EXPECT_EQ(t.delegate.sent, "");
+        const bool asksForFocus = each.field == &TerminalModes::sendFocus;
+        EXPECT_EQ(t.delegate.sent, asksForFocus ? "\x1B[O\x1B[O" : "");
     }
 }
 
@@ -142,11 +143,28 @@ TEST(TerminalModes, FocusIsToldOnceAChangeAndOnlyIfAsked)
     t.terminal.setTerminalFocus(true);
     EXPECT_EQ(t.delegate.sent, "");
     t.terminal.feed("\x1B[?1004h");
+    t.delegate.sent.clear();
+    t.terminal.setTerminalFocus(true);
     t.terminal.setTerminalFocus(false);
     t.terminal.setTerminalFocus(false);
     t.terminal.setTerminalFocus(true);
+    EXPECT_EQ(t.delegate.sent, "\x1B[O\x1B[I");
+    t.terminal.feed("\x1B[?1004l");
+    t.terminal.setTerminalFocus(false);
 
     EXPECT_EQ(t.delegate.sent, "\x1B[O\x1B[I");
+}
+
+TEST(TerminalModes, AProgramThatAsksForFocusIsToldHowItStands)
+{
+    TerminalHarness t;
+
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x1B[O");
+    t.onBoth([](Terminal& terminal) { terminal.setTerminalFocus(true); });
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x1B[I");
+    EXPECT_EQ(t.replyTo("\x1B[?1004l"), "");
+    t.feed("\x1B G");
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x9BI");
 }
 
 TEST(TerminalModes, MouseShiftCaptureIsOnOrOff)
@@ -459,6 +477,11 @@ TEST(TerminalModes, WhatIsUnknownIsToldOnlyIfTheLogIsNotSilent)
         {"\x1B!V", "Info: Kovalt: Unknown ESC Code: ESC + V txt=!\n"},
         {"\x01", "Info: Kovalt: Unknown EXECUTE code\n"},
         {"\x1B_X1\x1B\\", "Info: Kovalt: Unknown APC code: X\n"},
+        {"\x19", "Info: Kovalt: Parsing error, state: 0 code=25\n"},
+        {"\x1B[1c", "Info: SendDeviceAttributes got [1] and \n"},
+        {"\x1B[>2;3c", "Info: SendDeviceAttributes got [2, 3] and >\n"},
+        {"\x1B[12;1t", "Info: Unhandled Window command: [12, 1]\n"},
+        {"\x1BP$qx\n\xC3\x1B\\", "Info: Unknown DCS + x??\n"},
         {"\x1B[77m", "Info: Unknown SGR attribute: 77 [77]\n"},
         {"\x1B[99h", "Info: Unhandled verbatim setMode with 99 and set\n"},
         {"\x1B[>9h", "Info: Unhandled DEC Private Mode Set (DECSET) with 9\n"},
