@@ -346,89 +346,6 @@ TEST(TerminalModes, EachLevelKnowsWhatItsTerminalsKnew)
     }
 }
 
-TEST(TerminalModes, ASoftResetBringsBackTheHighestLevelAndTheSevenBitForm)
-{
-    TerminalHarness t;
-
-    t.feed("\x1B[62;0\"p\x1B G\x1B[!p");
-
-    EXPECT_EQ(t.modes(), TerminalModes{});
-    EXPECT_EQ(t.replyTo("\x1B[5n"), "\x1B[0n");
-}
-
-TEST(TerminalModes, ASoftResetTakesTheMarginsOfBothScreens)
-{
-    TerminalHarness t(10, 5);
-
-    t.feed("\x1B[?69h\x1B[2;4r\x1B[3;6s\x1B[?47h\x1B[2;4r\x1B[3;6s\x1B[!p");
-    for (const char* const screen : {"", "\x1B[?47l"}) {
-        t.feed(screen);
-        EXPECT_EQ(t.replyTo("\x1BP$qr\x1B\\"), "\x1BP1$r1;5r\x1B\\");
-        EXPECT_EQ(t.replyTo("\x1BP$qs\x1B\\"), "\x1BP1$r1;10s\x1B\\");
-    }
-}
-
-TEST(TerminalModes, ASoftResetUndoesWhatChangesHowTextGoesIn)
-{
-    TerminalHarness t(10, 5);
-
-    t.feed("text\x1B[?6h\x1B[4h\x1B[2;4r\x1B[?69h\x1B[3;6s\x1B[?7l\x1B[?1h\x1B=\x1B[?25l\x1B[20h"
-           "\x1B[1;31m\x1B(0\x1B[>1u\x1B[2;2H\x1B\x37\x1B[!p");
-
-    const TerminalModes& modes = t.modes();
-    EXPECT_FALSE(modes.originMode || modes.insertMode || modes.applicationCursor ||
-                 modes.applicationKeypad || modes.cursorHidden || modes.lineFeedMode);
-    EXPECT_TRUE(modes.wraparound);
-    EXPECT_TRUE(modes.marginMode);
-    const Buffer& buffer = t.terminal.buffer();
-    EXPECT_EQ(buffer.scrollTop, 0);
-    EXPECT_EQ(buffer.scrollBottom, 4);
-    EXPECT_EQ(buffer.marginLeft, 0);
-    EXPECT_EQ(buffer.marginRight, 9);
-    EXPECT_EQ(t.terminal.currentAttribute(), Attribute{});
-    EXPECT_EQ(t.terminal.charsets(), CharsetState{});
-    EXPECT_TRUE(t.terminal.keyboardMode().flags().isEmpty());
-    EXPECT_EQ(t.row(0), "text");
-    t.feed("\x1B\x38");
-    EXPECT_EQ(t.cursor(), (Position{0, 0}));
-}
-
-TEST(TerminalModes, AFullResetLeavesNothingBehind)
-{
-    TerminalHarness t(10, 3, 10);
-
-    t.feed("1\r\n2\r\n3\r\n4\x1B[?1049halt\x1B[?6h\x1B[?69h\x1B[2;3r\x1B[3g\x1B[1m\x1B(0\x1B[?1000h"
-           "\x1B[?1006h\x1B G\x1B[5 q\x1B\x37\x1B[?5h\x1B[>1u\xE2\x82");
-    t.feed("\x1B"
-           "c");
-
-    EXPECT_FALSE(t.terminal.isAlternateBufferActive());
-    EXPECT_EQ(t.terminal.buffer().lines().count(), 3);
-    EXPECT_EQ(t.screen(), "||");
-    EXPECT_EQ(t.modes(), TerminalModes{});
-    EXPECT_EQ(t.terminal.charsets(), CharsetState{});
-    EXPECT_EQ(t.terminal.currentAttribute(), Attribute{});
-    EXPECT_EQ(t.terminal.cursorStyle(), CursorStyle::BlinkBlock);
-    EXPECT_EQ(t.cursor(), (Position{0, 0}));
-    EXPECT_EQ(t.delegate.sent, "");
-    t.feed("\t");
-    EXPECT_EQ(t.cursor(), (Position{8, 0}));
-    t.feed("\x1B[?47h");
-    EXPECT_EQ(t.screen(), "||");
-}
-
-TEST(TerminalModes, AFullResetKeepsTheSizeAndAHiddenCursor)
-{
-    TerminalHarness t(10, 3);
-    t.onBoth([](Terminal& terminal) { terminal.resize(12, 4); });
-
-    t.feed("\x1B[?25l\x1B"
-           "c");
-
-    EXPECT_EQ(t.terminal.getDims(), (std::pair{12, 4}));
-    EXPECT_TRUE(t.modes().cursorHidden);
-}
-
 TEST(TerminalModes, SynchronizedOutputIsToldOnceAndEndsWhenItIsReset)
 {
     TerminalHarness t;
@@ -461,6 +378,35 @@ TEST(TerminalModes, SynchronizedOutputEndsByItselfByASizeAndByAReset)
                     "c");
     EXPECT_FALSE(t.terminal.isSynchronizedOutputActive());
     EXPECT_FALSE(t.timer.isPending());
+}
+
+TEST(TerminalModes, ATerminalThatGoesTakesItsTimerAlong)
+{
+    Testing::ManualTimer timer;
+    TerminalOptions options;
+    options.timer = &timer;
+    {
+        Terminal terminal(nullptr, options);
+        terminal.feed("\x1B[?2026h");
+        EXPECT_TRUE(timer.isPending());
+    }
+    EXPECT_FALSE(timer.isPending());
+}
+
+TEST(TerminalModes, ASynchronizedOutputThatTheTimerEndedMayBeginAgain)
+{
+    TerminalHarness t(10, 3);
+    t.feed("\x1B[?2026h");
+    EXPECT_EQ(t.replyTo("\x1B[?2026$p"), "\x1B[?2026;1$y");
+
+    t.timer.fire();
+    t.twinTimer.fire();
+
+    EXPECT_EQ(t.replyTo("\x1B[?2026$p"), "\x1B[?2026;2$y");
+    t.feed("\x1B[?2026l\x1B[?2026h");
+    EXPECT_EQ(t.delegate.events,
+              (Events{"synchronized on", "synchronized off", "synchronized on"}));
+    EXPECT_TRUE(t.timer.isPending());
 }
 
 TEST(TerminalModes, WhatIsUnknownIsToldOnlyIfTheLogIsNotSilent)
