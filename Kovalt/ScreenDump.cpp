@@ -23,10 +23,11 @@ public:
     void writeRow(const BufferLine& line)
     {
         int end = m_cols;
-        while (end > 0 && isErased(line[end - 1]) && line[end - 1].attribute == Attribute{})
+        while (end > 0 && isErased(shown(line, end - 1)) &&
+               shown(line, end - 1).attribute == Attribute{})
             --end;
         for (int column = 0; column < end;) {
-            const CharData cell = line[column];
+            const CharData cell = shown(line, column);
             if (isErased(cell)) {
                 column += writeErased(line, column, end);
                 continue;
@@ -57,6 +58,14 @@ public:
     }
 
 private:
+    /// A cell without what can't be seen of it.
+    static CharData shown(const BufferLine& line, int column)
+    {
+        CharData cell = line[column];
+        cell.attribute.guard = CharacterGuard::None;
+        return cell;
+    }
+
     /// Where a wide character was cut in two, empty cells keep its looks; no sequence erases so.
     static bool isErased(const CharData& cell)
     {
@@ -70,7 +79,7 @@ private:
     {
         const CellColor background = line[from].attribute.bg;
         int to = from;
-        while (to < end && isErased(line[to]) && line[to].attribute.bg == background)
+        while (to < end && isErased(shown(line, to)) && line[to].attribute.bg == background)
             ++to;
         const std::string count = std::to_string(to - from);
         if (background != CellColor{}) {
