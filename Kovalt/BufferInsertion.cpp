@@ -223,6 +223,7 @@ void Buffer::insertScalarRun(std::span<const PrintedScalar> run, const Attribute
             to += width;
         }
         x = end;
+        waits = x > limit;
         run = run.subspan(fitting);
     }
 }

@@ -23,15 +23,16 @@ public:
     void writeRow(const BufferLine& line)
     {
         int end = m_cols;
-        while (end > 0 && isErased(line[end - 1]) && lookOf(line[end - 1]) == Attribute{})
+        while (end > 0 && isErased(shown(line, end - 1)) &&
+               shown(line, end - 1).attribute == Attribute{})
             --end;
         for (int column = 0; column < end;) {
-            const CharData cell = line[column];
+            const CharData cell = shown(line, column);
             if (isErased(cell)) {
                 column += writeErased(line, column, end);
                 continue;
             }
-            setLook(lookOf(cell));
+            setLook(cell.attribute);
             setLink(cell.payload);
             if (cell.code == 0)
                 m_text += ' ';
@@ -57,12 +58,12 @@ public:
     }
 
 private:
-    /// A guard against erasing is not seen.
-    static Attribute lookOf(const CharData& cell)
+    /// A cell without what can't be seen of it.
+    static CharData shown(const BufferLine& line, int column)
     {
-        Attribute look = cell.attribute;
-        look.guard = CharacterGuard::None;
-        return look;
+        CharData cell = line[column];
+        cell.attribute.guard = CharacterGuard::None;
+        return cell;
     }
 
     /// Where a wide character was cut in two, empty cells keep its looks; no sequence erases so.
@@ -70,7 +71,7 @@ private:
     {
         Attribute look;
         look.bg = cell.attribute.bg;
-        return cell.code == 0 && cell.width != 0 && lookOf(cell) == look;
+        return cell.code == 0 && cell.width != 0 && cell.attribute == look;
     }
 
     /// Erased cells are passed over; those with a background are erased once more.
@@ -78,7 +79,7 @@ private:
     {
         const CellColor background = line[from].attribute.bg;
         int to = from;
-        while (to < end && isErased(line[to]) && line[to].attribute.bg == background)
+        while (to < end && isErased(shown(line, to)) && line[to].attribute.bg == background)
             ++to;
         const std::string count = std::to_string(to - from);
         if (background != CellColor{}) {

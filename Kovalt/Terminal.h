@@ -162,7 +162,7 @@ public:
     [[nodiscard]] int encodeButton(int button, bool release, MouseModifiers modifiers) const;
     void sendEvent(const MouseEvent& event);
     void sendMotion(const MouseEvent& event);
-    /// Tells the program if it asked for it.
+    /// Tells the program of a change if it asked for it. When it asks it is told the state.
     void setTerminalFocus(bool hasFocus);
 
     // Colours and titles.
@@ -388,6 +388,7 @@ private:
     void unknownPrivateMode(int mode, bool on) const;
     void setColumnMode(bool wide);
     void setSynchronizedOutput(bool on);
+    void sendFocusReport();
     void cmdSavePrivateModes(const CsiSequence& sequence);
     void cmdRestorePrivateModes(const CsiSequence& sequence);
     void applyBidiState();
@@ -521,7 +522,7 @@ private:
     bool m_synchronizedOutputActive = false;
     bool m_userScrolling = false;
     bool m_silentLog = false;
-    bool m_reportedFocus = false;
+    bool m_hasFocus = false;
 
     HyperlinkState m_activeHyperlink;
     std::set<std::uint16_t> m_payloadCodes; ///< The codes that this terminal holds.

@@ -50,9 +50,16 @@ void Terminal::sendMotion(const MouseEvent& event)
 
 void Terminal::setTerminalFocus(bool hasFocus)
 {
-    if (m_modes.sendFocus && m_reportedFocus != hasFocus)
-        sendCsi(hasFocus ? "I" : "O");
-    m_reportedFocus = hasFocus;
+    if (m_hasFocus == hasFocus)
+        return;
+    m_hasFocus = hasFocus;
+    if (m_modes.sendFocus)
+        sendFocusReport();
+}
+
+void Terminal::sendFocusReport()
+{
+    sendCsi(m_hasFocus ? "I" : "O");
 }
 
 void Terminal::registerSelection(TerminalSelection* selection)

@@ -83,9 +83,11 @@ bool Terminal::wrapBackward()
     Buffer& buffer = *m_buffer;
     if (!m_modes.reverseWraparound && !wrapsOverAnyEnd())
         return false;
-    if (buffer.y == buffer.scrollTop)
+    const bool goesOn =
+        m_modes.reverseWraparound && buffer.y > 0 && buffer.cursorLine().isWrapped();
+    if (buffer.y == buffer.scrollTop && !goesOn)
         buffer.y = buffer.scrollBottom;
-    else if (buffer.y > 0 && (wrapsOverAnyEnd() || buffer.cursorLine().isWrapped()))
+    else if (goesOn || (buffer.y > 0 && wrapsOverAnyEnd()))
         --buffer.y;
     else
         return false;

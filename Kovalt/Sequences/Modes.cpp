@@ -103,6 +103,8 @@ void Terminal::setPrivateMode(int mode, bool on)
         break;
     case 1004:
         m_modes.sendFocus = on;
+        if (on)
+            sendFocusReport();
         break;
     case 1007:
         m_modes.alternateScrollMode = on;

@@ -47,8 +47,8 @@ private:
     std::span<const std::uint8_t> m_separators;
 };
 
-/// A colour behind 38, 48 or 58. Returns the index of the parameter behind it; a colour that is not
-/// whole changes nothing.
+/// A colour behind 38, 48 or 58. Returns the index of the parameter behind it; of a colour that is
+/// not whole only its kind is taken, and nothing changes.
 std::size_t parseExtendedColor(const Parameters& parameters, std::size_t start, CellColor& color)
 {
     const std::size_t kind = start + 1;
@@ -69,7 +69,7 @@ std::size_t parseExtendedColor(const Parameters& parameters, std::size_t start, 
         color = parameters.rgbAt(kind + 1);
         return kind + 4;
     }
-    return kind;
+    return parameters.groupEnd(kind);
 }
 
 void setUnderline(Attribute& attribute, UnderlineStyle style)

@@ -85,7 +85,7 @@ void Terminal::StatusRequest::answerSetting() const
 {
     if (const auto body = setting())
         return m_terminal.sendDcs("1$r" + *body);
-    m_terminal.log({"Unknown DCS + ", m_question});
+    m_terminal.log({"Unknown DCS + ", describe(Ascii::bytes(m_question))});
     m_terminal.sendDcs("0$r");
 }
 

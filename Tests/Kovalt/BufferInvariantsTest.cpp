@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace Kovalt {
 
@@ -72,6 +74,7 @@ void expectEqual(Screen& one, Screen& other)
 {
     ASSERT_EQ(one.buffer.x, other.buffer.x);
     ASSERT_EQ(one.buffer.y, other.buffer.y);
+    ASSERT_EQ(one.buffer.standingColumn(), other.buffer.standingColumn());
     ASSERT_EQ(one.buffer.yBase, other.buffer.yBase);
     ASSERT_EQ(one.buffer.lines().count(), other.buffer.lines().count());
     for (int row = 0; row < one.buffer.lines().count(); ++row) {
@@ -194,6 +197,32 @@ TEST(BufferInvariants, ARunPrintsWhatItsCharactersWouldOneByOne)
             byRun.printRuns(text);
             byCharacter.print(text);
             ASSERT_NO_FATAL_FAILURE(expectEqual(byRun, byCharacter));
+        }
+    }
+}
+
+TEST(BufferInvariants, ARunOfAnyScriptPrintsWhatItsCharactersWouldOneByOne)
+{
+    constexpr std::array<Buffer::PrintedScalar, 5> Scalars = {
+        {{U'x', 1}, {U'é', 1}, {U'中', 2}, {U'ф', 1}, {U'文', 2}}};
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        SCOPED_TRACE(seed);
+        Randomly random(seed);
+        const int cols = random.between(2, 20);
+        const int rows = random.between(1, 6);
+        Screen byRun(cols, rows, random.below(8));
+        Screen byCharacter(cols, rows, *byRun.buffer.scrollback());
+        for (int step = 0; step < 60; ++step) {
+            byRun.attribute = random.attribute();
+            placeCursor(random, byRun, byCharacter);
+            byRun.buffer.insertMode = byCharacter.buffer.insertMode = random.below(4) == 0;
+            std::vector<Buffer::PrintedScalar> run;
+            for (int i = random.between(1, 50); i > 0; --i)
+                run.push_back(Scalars[std::size_t(random.below(int(Scalars.size())))]);
+            byRun.buffer.insertScalarRun(run, byRun.attribute, 0);
+            for (const auto& [scalar, width] : run)
+                byCharacter.put(scalar);
+            ASSERT_NO_FATAL_FAILURE(expectEqual(byRun, byCharacter)) << "step " << step;
         }
     }
 }

@@ -278,6 +278,26 @@ TEST(ImplicitLink, OutsideTheBufferThereIsNone)
         EXPECT_FALSE(linkAt(harness, col, row));
 }
 
+/// The table is full by size, so that room can be made again.
+TEST(HyperlinkTable, AnOpenLinkThatFoundTheTableFullIsNotTriedAgain)
+{
+    TerminalHarness harness;
+    const std::string payload = ";http://" + std::string(2000, 'x');
+    std::vector<std::uint16_t> codes;
+    for (std::size_t size = 1U << 20U; size >= 1024; size /= 2)
+        while (const auto code = TinyAtom::lookup(std::string(size, 'x')))
+            codes.push_back(*code);
+
+    harness.feed(osc("8;" + payload) + "a");
+    TinyAtom::release(codes);
+    harness.feed("b" + osc("8;" + payload) + "c");
+
+    EXPECT_EQ(harness.row(0), "abc");
+    EXPECT_EQ(harness.cell(0, 0).payload, 0);
+    EXPECT_EQ(harness.cell(1, 0).payload, 0);
+    EXPECT_NE(harness.cell(2, 0).payload, 0);
+}
+
 /// Last, since it leaves the process without codes.
 TEST(HyperlinkTable, AFullTableLeavesLaterTextWithoutALink)
 {

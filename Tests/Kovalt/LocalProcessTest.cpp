@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,6 +88,30 @@ TEST(LocalProcess, AMissingProgramReportsStatus32512)
     EXPECT_TRUE(harness.process->isRunning());
     ASSERT_TRUE(harness.runUntilTerminated());
     EXPECT_EQ(harness.statuses, std::vector<std::optional<int>>{32512});
+}
+
+TEST(LocalProcess, AStartThatFailsSaysNothingAndAnotherMayFollow)
+{
+    ProcessHarness harness;
+    harness.start("echo one");
+    ASSERT_TRUE(harness.runUntilTerminated());
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const int next = ::dup(STDIN_FILENO);
+    ::close(next);
+    // No descriptor is left for a terminal.
+    const rlimit none = {static_cast<rlim_t>(next), before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+
+    harness.start("echo two");
+
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_FALSE(harness.process->isRunning());
+    EXPECT_EQ(harness.process->childfd(), -1);
+    EXPECT_EQ(harness.statuses.size(), 1U);
+    harness.start("echo three");
+    ASSERT_TRUE(harness.runUntil([&] { return harness.statuses.size() == 2; }));
+    EXPECT_EQ(harness.output, "one\r\nthree\r\n");
 }
 
 TEST(LocalProcess, SendingBeforeTheStartDoesNothing)

@@ -67,6 +67,15 @@ TEST(ScreenDump, SequencesMakeTheSameScreenAgain)
     }
 }
 
+TEST(ScreenDump, GuardsOfCharactersAreNoLooks)
+{
+    TerminalHarness t(10, 2);
+
+    t.feed("a\x1BVb\x1B[1\"qc\x1BWd\x1B[\"q漢\x1B[1\"q字\x1B[1;7H\x1B[X");
+
+    EXPECT_EQ(ScreenDump::sgr(t.terminal), "abcd漢\r\n");
+}
+
 TEST(ScreenDump, JsonTellsCellsCursorModesAndTitles)
 {
     TerminalHarness t(6, 2);

@@ -149,8 +149,8 @@ TEST(TerminalCursor, OriginModeCountsFromTheMargins)
 
 TEST(TerminalCursor, BehindTheRightMarginItWaitsInTheLastColumnBeforeIt)
 {
-    // Columns 5 to 10; six letters fill them.
-    const std::string full = "\x1B[?69h\x1B[5;10s\x1B[3;5Habcdef";
+    // Columns 5 to 10; six letters of any script fill them.
+    const std::string margins = "\x1B[?69h\x1B[5;10s\x1B[3;5H";
     const std::pair<const char*, Position> cases[] = {
         {"", {9, 2}},
         {"\b", {8, 2}},
@@ -174,11 +174,13 @@ TEST(TerminalCursor, BehindTheRightMarginItWaitsInTheLastColumnBeforeIt)
         {"\x1B[11`", {10, 2}},
     };
     for (const auto& [text, expected] : cases) {
-        SCOPED_TRACE(testing::PrintToString(text));
-        TerminalHarness t(20, 10);
-        t.feed(full + text);
-        EXPECT_EQ(t.replyTo("\x1B[6n"), "\x1B[" + std::to_string(expected.row + 1) + ";" +
-                                            std::to_string(expected.col + 1) + "R");
+        for (const char* const letters : {"abcdef", "abcdeф", "абвгде", "漢字語", "abcd漢"}) {
+            SCOPED_TRACE(testing::PrintToString(letters + std::string(text)));
+            TerminalHarness t(20, 10);
+            t.feed(margins + letters + text);
+            EXPECT_EQ(t.replyTo("\x1B[6n"), "\x1B[" + std::to_string(expected.row + 1) + ";" +
+                                                std::to_string(expected.col + 1) + "R");
+        }
     }
 }
 
@@ -216,6 +218,8 @@ TEST(TerminalCursor, ReverseWraparoundGoesBackOverWrappedLines)
         {"to the line above", "\x1B[?45haaaaaaaaaaaaaaaaaaaab\b\b", 19, 0},
         {"not to a line that ended", "\x1B[?45haaa\r\nb\b\b", 0, 1},
         {"at the top to the bottom", "\x1B[?45h\b", 19, 9},
+        {"out of the region to the line that goes on in it",
+         "\x1B[?45h\x1B[2;1Haaaaaaaaaaaaaaaaaaaab\x1B[3;6r\x1B[3;1H\b", 19, 1},
         {"around the region", "\x1B[?45h\x1B[3;6r\x1B[3;1H\b", 19, 5},
         {"to the right margin", "\x1B[?45h\x1B[?69h\x1B[5;10s\x1B[1;5H\b", 9, 9},
         {"a full row gives up its waiting first", "\x1B[?45haaaaaaaaaaaaaaaaaaaa\b", 19, 0},
@@ -341,6 +345,35 @@ TEST(TerminalCursor, SaveAndRestoreBringBackTheWholeState)
     }
 }
 
+TEST(TerminalCursor, ARestoreTurnsOnAgainWhatWasOn)
+{
+    TerminalHarness t(20, 10);
+
+    t.feed("\x1B[?69h\x1B[?45h\x1B[3;8s\x1B\x37\x1B[?69l\x1B[?45l\x1B\x38");
+
+    EXPECT_TRUE(t.modes().marginMode);
+    EXPECT_TRUE(t.modes().reverseWraparound);
+    for (const auto kind : {Terminal::BufferKind::Normal, Terminal::BufferKind::Alt})
+        EXPECT_TRUE(t.terminal.buffer(kind).marginMode);
+    t.feed("\x1B[?69l\x1B[?7l\x1B\x37\x1B[?69h\x1B[?7h\x1B\x38");
+    EXPECT_FALSE(t.modes().marginMode || t.modes().wraparound);
+    for (const auto kind : {Terminal::BufferKind::Normal, Terminal::BufferKind::Alt}) {
+        EXPECT_FALSE(t.terminal.buffer(kind).marginMode);
+        EXPECT_FALSE(t.terminal.buffer(kind).wraparound);
+    }
+}
+
+TEST(TerminalCursor, ARestoreStaysOnAScreenThatBecameSmaller)
+{
+    TerminalHarness t(20, 10);
+    t.feed("\x1B[?1049h\x1B[10;20H\x1B\x37\x1B[H");
+    t.onBoth([](Terminal& terminal) { terminal.resize(8, 4); });
+
+    t.feed("\x1B\x38");
+
+    EXPECT_EQ(t.replyTo("\x1B[6n"), "\x1B[4;8R");
+}
+
 TEST(TerminalCursor, RestoringWithoutASaveGoesHome)
 {
     TerminalHarness t;
@@ -382,6 +415,23 @@ TEST(TerminalCursor, ItsStyleIsToldOnceAChange)
     EXPECT_EQ(t.delegate.events,
               (std::vector<std::string>{"cursorStyle 3", "cursorStyle 0", "cursorStyle 5"}));
     EXPECT_EQ(t.terminal.cursorStyle(), CursorStyle::SteadyBar);
+}
+
+TEST(TerminalCursor, EveryStyleHasItsNumber)
+{
+    const std::pair<const char*, CursorStyle> cases[] = {
+        {"", CursorStyle::BlinkBlock},      {"0", CursorStyle::BlinkBlock},
+        {"1", CursorStyle::BlinkBlock},     {"2", CursorStyle::SteadyBlock},
+        {"3", CursorStyle::BlinkUnderline}, {"4", CursorStyle::SteadyUnderline},
+        {"5", CursorStyle::BlinkBar},       {"6", CursorStyle::SteadyBar},
+    };
+    for (const auto& [number, style] : cases) {
+        SCOPED_TRACE(number);
+        TerminalHarness t;
+        t.feed((style == CursorStyle::SteadyBar ? "\x1B[2 q\x1B[" : "\x1B[6 q\x1B[") +
+               std::string(number) + " q");
+        EXPECT_EQ(t.terminal.cursorStyle(), style);
+    }
 }
 
 TEST(TerminalCursor, ABellIsTold)

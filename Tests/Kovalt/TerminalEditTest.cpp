@@ -1,5 +1,6 @@
 // Erasing, editing, scrolling, margins and rectangles.
 
+#include "Kovalt/TerminalImage.h"
 #include "Tests/Kovalt/TerminalHarness.h"
 
 #include <gtest/gtest.h>
@@ -266,6 +267,48 @@ TEST(TerminalEdit, ErasedRowsAreSingleAndNoLongerWrapped)
 
     EXPECT_EQ(t.terminal.buffer().screenLine(1).renderMode(), RenderLineMode::Single);
     EXPECT_FALSE(t.terminal.buffer().screenLine(1).isWrapped());
+}
+
+TEST(TerminalEdit, ErasedRowsTakeTheBidiStateAndLoseTheShellsMarks)
+{
+    using Direction = BidiPresentationState::Direction;
+    TerminalHarness t(5, 3);
+    t.feed("\x1B]133;A\x1B\\a\r\nb\r\n\x1B]133;A\x1B\\c\x1B[2 k");
+    EXPECT_FALSE(t.terminal.buffer().screenLine(0).semanticMarks().empty());
+    EXPECT_EQ(t.terminal.buffer().screenLine(0).bidiState().fallbackDirection,
+              Direction::LeftToRight);
+
+    t.feed("\x1B[2J");
+
+    for (int row = 0; row < 3; ++row) {
+        const BufferLine& line = t.terminal.buffer().screenLine(row);
+        EXPECT_EQ(line.bidiState(), t.terminal.bidiState()) << row;
+        EXPECT_EQ(line.bidiState().fallbackDirection, Direction::RightToLeft) << row;
+        EXPECT_TRUE(line.semanticMarks().empty()) << row;
+    }
+}
+
+TEST(TerminalEdit, OnlyErasingTheWholeScreenTakesItsPictures)
+{
+    struct Picture final : TerminalImage {
+        int col() const override { return 0; }
+        int columns() const override { return 1; }
+        int rows() const override { return 1; }
+    };
+    const std::pair<const char*, int> cases[] = {
+        {"\x1B[2;1H\x1B[J", 3}, {"\x1B[2;1H\x1B[1J", 3}, {"\x1B[3J", 3}, {"\x1B[2J", 0}};
+    for (const auto& [text, left] : cases) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        TerminalHarness t(5, 3);
+        t.onBoth([](Terminal& terminal) {
+            for (int row = 0; row < 3; ++row)
+                terminal.buffer().attachImage(std::make_shared<Picture>(), row);
+        });
+
+        t.feed(text);
+
+        EXPECT_EQ(t.terminal.buffer().linesWithImagesCount(), left);
+    }
 }
 
 TEST(TerminalEdit, LineLooksBelongToTheCursorsRow)

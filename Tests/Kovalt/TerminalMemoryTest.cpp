@@ -1,70 +1,18 @@
 // However much a program writes, a terminal's memory stays bounded.
 
 #include "Kovalt/Terminal.h"
+#include "Tests/Support/CountedMemory.h"
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <random>
 #include <string>
-
-namespace {
-
-std::atomic<std::size_t> heldBytes = 0;
-std::atomic<std::size_t> mostBytes = 0;
-
-void* take(std::size_t size)
-{
-    void* const memory = std::malloc(size);
-    if (!memory)
-        std::abort();
-    const std::size_t now = heldBytes += malloc_usable_size(memory);
-    mostBytes = std::max<std::size_t>(mostBytes, now);
-    return memory;
-}
-
-void giveBack(void* memory)
-{
-    if (memory)
-        heldBytes -= malloc_usable_size(memory);
-    std::free(memory);
-}
-
-} // namespace
-
-// What the terminal allocates is counted here.
-void* operator new(std::size_t size)
-{
-    return take(size);
-}
-void* operator new[](std::size_t size)
-{
-    return take(size);
-}
-void operator delete(void* memory) noexcept
-{
-    giveBack(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    giveBack(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    giveBack(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    giveBack(memory);
-}
 
 namespace Kovalt {
 
 namespace {
+
+using namespace Testing::CountedMemory;
 
 constexpr std::size_t MiB = 1U << 20U;
 

@@ -54,7 +54,8 @@ TEST(TerminalModes, EachSwitchIsSetAndReset)
                "h\x1B"
                "c");
         EXPECT_EQ(t.modes(), before);
-        EXPECT_EQ(t.delegate.sent, "");
+        const bool asksForFocus = each.field == &TerminalModes::sendFocus;
+        EXPECT_EQ(t.delegate.sent, asksForFocus ? "\x1B[O\x1B[O" : "");
     }
 }
 
@@ -142,11 +143,28 @@ TEST(TerminalModes, FocusIsToldOnceAChangeAndOnlyIfAsked)
     t.terminal.setTerminalFocus(true);
     EXPECT_EQ(t.delegate.sent, "");
     t.terminal.feed("\x1B[?1004h");
+    t.delegate.sent.clear();
+    t.terminal.setTerminalFocus(true);
     t.terminal.setTerminalFocus(false);
     t.terminal.setTerminalFocus(false);
     t.terminal.setTerminalFocus(true);
+    EXPECT_EQ(t.delegate.sent, "\x1B[O\x1B[I");
+    t.terminal.feed("\x1B[?1004l");
+    t.terminal.setTerminalFocus(false);
 
     EXPECT_EQ(t.delegate.sent, "\x1B[O\x1B[I");
+}
+
+TEST(TerminalModes, AProgramThatAsksForFocusIsToldHowItStands)
+{
+    TerminalHarness t;
+
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x1B[O");
+    t.onBoth([](Terminal& terminal) { terminal.setTerminalFocus(true); });
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x1B[I");
+    EXPECT_EQ(t.replyTo("\x1B[?1004l"), "");
+    t.feed("\x1B G");
+    EXPECT_EQ(t.replyTo("\x1B[?1004h"), "\x9BI");
 }
 
 TEST(TerminalModes, MouseShiftCaptureIsOnOrOff)
@@ -328,89 +346,6 @@ TEST(TerminalModes, EachLevelKnowsWhatItsTerminalsKnew)
     }
 }
 
-TEST(TerminalModes, ASoftResetBringsBackTheHighestLevelAndTheSevenBitForm)
-{
-    TerminalHarness t;
-
-    t.feed("\x1B[62;0\"p\x1B G\x1B[!p");
-
-    EXPECT_EQ(t.modes(), TerminalModes{});
-    EXPECT_EQ(t.replyTo("\x1B[5n"), "\x1B[0n");
-}
-
-TEST(TerminalModes, ASoftResetTakesTheMarginsOfBothScreens)
-{
-    TerminalHarness t(10, 5);
-
-    t.feed("\x1B[?69h\x1B[2;4r\x1B[3;6s\x1B[?47h\x1B[2;4r\x1B[3;6s\x1B[!p");
-    for (const char* const screen : {"", "\x1B[?47l"}) {
-        t.feed(screen);
-        EXPECT_EQ(t.replyTo("\x1BP$qr\x1B\\"), "\x1BP1$r1;5r\x1B\\");
-        EXPECT_EQ(t.replyTo("\x1BP$qs\x1B\\"), "\x1BP1$r1;10s\x1B\\");
-    }
-}
-
-TEST(TerminalModes, ASoftResetUndoesWhatChangesHowTextGoesIn)
-{
-    TerminalHarness t(10, 5);
-
-    t.feed("text\x1B[?6h\x1B[4h\x1B[2;4r\x1B[?69h\x1B[3;6s\x1B[?7l\x1B[?1h\x1B=\x1B[?25l\x1B[20h"
-           "\x1B[1;31m\x1B(0\x1B[>1u\x1B[2;2H\x1B\x37\x1B[!p");
-
-    const TerminalModes& modes = t.modes();
-    EXPECT_FALSE(modes.originMode || modes.insertMode || modes.applicationCursor ||
-                 modes.applicationKeypad || modes.cursorHidden || modes.lineFeedMode);
-    EXPECT_TRUE(modes.wraparound);
-    EXPECT_TRUE(modes.marginMode);
-    const Buffer& buffer = t.terminal.buffer();
-    EXPECT_EQ(buffer.scrollTop, 0);
-    EXPECT_EQ(buffer.scrollBottom, 4);
-    EXPECT_EQ(buffer.marginLeft, 0);
-    EXPECT_EQ(buffer.marginRight, 9);
-    EXPECT_EQ(t.terminal.currentAttribute(), Attribute{});
-    EXPECT_EQ(t.terminal.charsets(), CharsetState{});
-    EXPECT_TRUE(t.terminal.keyboardMode().flags().isEmpty());
-    EXPECT_EQ(t.row(0), "text");
-    t.feed("\x1B\x38");
-    EXPECT_EQ(t.cursor(), (Position{0, 0}));
-}
-
-TEST(TerminalModes, AFullResetLeavesNothingBehind)
-{
-    TerminalHarness t(10, 3, 10);
-
-    t.feed("1\r\n2\r\n3\r\n4\x1B[?1049halt\x1B[?6h\x1B[?69h\x1B[2;3r\x1B[3g\x1B[1m\x1B(0\x1B[?1000h"
-           "\x1B[?1006h\x1B G\x1B[5 q\x1B\x37\x1B[?5h\x1B[>1u\xE2\x82");
-    t.feed("\x1B"
-           "c");
-
-    EXPECT_FALSE(t.terminal.isAlternateBufferActive());
-    EXPECT_EQ(t.terminal.buffer().lines().count(), 3);
-    EXPECT_EQ(t.screen(), "||");
-    EXPECT_EQ(t.modes(), TerminalModes{});
-    EXPECT_EQ(t.terminal.charsets(), CharsetState{});
-    EXPECT_EQ(t.terminal.currentAttribute(), Attribute{});
-    EXPECT_EQ(t.terminal.cursorStyle(), CursorStyle::BlinkBlock);
-    EXPECT_EQ(t.cursor(), (Position{0, 0}));
-    EXPECT_EQ(t.delegate.sent, "");
-    t.feed("\t");
-    EXPECT_EQ(t.cursor(), (Position{8, 0}));
-    t.feed("\x1B[?47h");
-    EXPECT_EQ(t.screen(), "||");
-}
-
-TEST(TerminalModes, AFullResetKeepsTheSizeAndAHiddenCursor)
-{
-    TerminalHarness t(10, 3);
-    t.onBoth([](Terminal& terminal) { terminal.resize(12, 4); });
-
-    t.feed("\x1B[?25l\x1B"
-           "c");
-
-    EXPECT_EQ(t.terminal.getDims(), (std::pair{12, 4}));
-    EXPECT_TRUE(t.modes().cursorHidden);
-}
-
 TEST(TerminalModes, SynchronizedOutputIsToldOnceAndEndsWhenItIsReset)
 {
     TerminalHarness t;
@@ -445,6 +380,35 @@ TEST(TerminalModes, SynchronizedOutputEndsByItselfByASizeAndByAReset)
     EXPECT_FALSE(t.timer.isPending());
 }
 
+TEST(TerminalModes, ATerminalThatGoesTakesItsTimerAlong)
+{
+    Testing::ManualTimer timer;
+    TerminalOptions options;
+    options.timer = &timer;
+    {
+        Terminal terminal(nullptr, options);
+        terminal.feed("\x1B[?2026h");
+        EXPECT_TRUE(timer.isPending());
+    }
+    EXPECT_FALSE(timer.isPending());
+}
+
+TEST(TerminalModes, ASynchronizedOutputThatTheTimerEndedMayBeginAgain)
+{
+    TerminalHarness t(10, 3);
+    t.feed("\x1B[?2026h");
+    EXPECT_EQ(t.replyTo("\x1B[?2026$p"), "\x1B[?2026;1$y");
+
+    t.timer.fire();
+    t.twinTimer.fire();
+
+    EXPECT_EQ(t.replyTo("\x1B[?2026$p"), "\x1B[?2026;2$y");
+    t.feed("\x1B[?2026l\x1B[?2026h");
+    EXPECT_EQ(t.delegate.events,
+              (Events{"synchronized on", "synchronized off", "synchronized on"}));
+    EXPECT_TRUE(t.timer.isPending());
+}
+
 TEST(TerminalModes, WhatIsUnknownIsToldOnlyIfTheLogIsNotSilent)
 {
     const std::pair<const char*, const char*> cases[] = {
@@ -459,6 +423,11 @@ TEST(TerminalModes, WhatIsUnknownIsToldOnlyIfTheLogIsNotSilent)
         {"\x1B!V", "Info: Kovalt: Unknown ESC Code: ESC + V txt=!\n"},
         {"\x01", "Info: Kovalt: Unknown EXECUTE code\n"},
         {"\x1B_X1\x1B\\", "Info: Kovalt: Unknown APC code: X\n"},
+        {"\x19", "Info: Kovalt: Parsing error, state: 0 code=25\n"},
+        {"\x1B[1c", "Info: SendDeviceAttributes got [1] and \n"},
+        {"\x1B[>2;3c", "Info: SendDeviceAttributes got [2, 3] and >\n"},
+        {"\x1B[12;1t", "Info: Unhandled Window command: [12, 1]\n"},
+        {"\x1BP$qx\n\xC3\x1B\\", "Info: Unknown DCS + x??\n"},
         {"\x1B[77m", "Info: Unknown SGR attribute: 77 [77]\n"},
         {"\x1B[99h", "Info: Unhandled verbatim setMode with 99 and set\n"},
         {"\x1B[>9h", "Info: Unhandled DEC Private Mode Set (DECSET) with 9\n"},

@@ -115,8 +115,14 @@ TEST(TerminalRendition, ExtendedColorsAreReadInBothForms)
         {"38:2:1:2;1", {}, CharacterStyle::Bold},
         {"38:5;1", {}, CharacterStyle::Bold},
         {"38:9:1;1", {}, CharacterStyle::Bold},
-        {"38;5", {}, CharacterStyle::Blink}, // Only the 38 is consumed.
-        {"38;2;1", {}, CharacterStyle::Dim | CharacterStyle::Bold},
+        // Of a colour that is not whole, only the kind is consumed.
+        {"38;5", {}},
+        {"38;2;1", {}, CharacterStyle::Bold},
+        {"38;2;3;1", {}, CharacterStyle::Italic | CharacterStyle::Bold},
+        {"38;9;1", {}, CharacterStyle::Bold},
+        {"38;9:3;1", {}, CharacterStyle::Bold},
+        {"38;;1", {}, CharacterStyle::Bold},
+        {"1;38", {}, CharacterStyle::Bold},
         {"38", {}},
     };
     for (const Case& each : cases) {

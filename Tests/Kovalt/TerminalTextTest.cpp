@@ -302,17 +302,31 @@ TEST(TerminalText, TheLineDrawingSetMapsWhatIsPlainAscii)
 
 TEST(TerminalText, EveryNationalSetIsChosenByItsDesignator)
 {
-    const std::pair<char, const char*> cases[] = {
-        {'0', "#[\\]│"}, {'2', "#[\\]│"}, {'A', "£[\\]x"}, {'B', "#[\\]x"}, {'4', "£ĳ½|x"},
-        {'5', "#ÄÖÅx"},  {'C', "#ÄÖÅx"},  {'R', "£°ç§x"},  {'Q', "#âçêx"},  {'K', "#ÄÖÜx"},
-        {'Y', "£°çéx"},  {'6', "#ÆØÅx"},  {'E', "#ÆØÅx"},  {'Z', "£¡Ñ¿x"},  {'7', "#ÄÖÅx"},
-        {'H', "#ÄÖÅx"},  {'=', "ùéçêx"}};
-    for (const auto& [designator, expected] : cases) {
-        SCOPED_TRACE(designator);
-        TerminalHarness t;
-        t.feed(std::string("\x1B(") + designator + "#[\\]x");
-        EXPECT_EQ(t.row(0), expected);
+    constexpr const char* Lines = "#@[\\]^_◆π≠£·x";
+    const std::pair<const char*, const char*> cases[] = {
+        {"02", Lines},           {"A", "£@[\\]^_`{|}~x"}, {"B", "#@[\\]^_`{|}~x"},
+        {"4", "£¾ĳ½|^_`¨ƒ¼´x"},  {"5C", "#@ÄÖÅÜ_éäöåüx"}, {"R", "£à°ç§^_`éùè¨x"},
+        {"Q", "#àâçêî_ôéùèûx"},  {"K", "#§ÄÖÜ^_`äöüßx"},  {"Y", "£§°çé^_ùàòèìx"},
+        {"6E", "#ÄÆØÅÜ_äæøåüx"}, {"Z", "£§¡Ñ¿^_`°ñç~x"},  {"7H", "#ÉÄÖÅÜ_éäöåüx"},
+        {"=", "ùàéçêîèôäöüûx"},
+    };
+    for (const auto& [designators, expected] : cases) {
+        for (const char designator : std::string_view(designators)) {
+            SCOPED_TRACE(designator);
+            TerminalHarness t;
+            t.feed(std::string("\x1B(") + designator + "#@[\\]^_`{|}~\x1B(Bx");
+            EXPECT_EQ(t.row(0), expected);
+        }
     }
+}
+
+TEST(TerminalText, TheLineDrawingSetHasALineForEveryLetter)
+{
+    TerminalHarness t(40, 2);
+
+    t.feed("\x1B(0_`abcdefghijklmnopqrstuvwxyz{|}~");
+
+    EXPECT_EQ(t.row(0), "_◆▒␉␌␍␊°±␤␋┘┐┌└┼⎺⎻─⎼⎽├┤┴┬│≤≥π≠£·");
 }
 
 TEST(TerminalText, EachDesignationHasItsLevel)
