@@ -89,7 +89,8 @@ public:
 
     std::string text;
     std::vector<Position> cells; ///< One for each byte.
-    std::size_t byteOfPosition = 0;
+    /// None for an empty cell that a wide character left when it wrapped early.
+    std::optional<std::size_t> byteOfPosition;
 
 private:
     // So that another cell's text still fits.
@@ -159,7 +160,9 @@ std::optional<LinkMatch> Links::implicitLinkMatch(const Buffer& buffer,
     if (!isInside)
         return std::nullopt;
     const SurroundingText around(buffer, graphemes, position);
-    const auto match = LinkDetection::findAt(around.text, around.byteOfPosition);
+    if (!around.byteOfPosition)
+        return std::nullopt;
+    const auto match = LinkDetection::findAt(around.text, *around.byteOfPosition);
     if (!match || match->end > around.cells.size())
         return std::nullopt;
     const Position first = around.cells[match->begin];

@@ -255,6 +255,16 @@ TEST(ImplicitLink, WideAndCombinedCharactersKeepTheirColumns)
     EXPECT_EQ(textAt(harness, 19, 0), "none");
 }
 
+TEST(ImplicitLink, TheGapBeforeAWideCharacterThatWrappedIsNoPartOfOne)
+{
+    TerminalHarness harness(4, 4);
+
+    harness.feed("/a\"xyyy漢");
+
+    EXPECT_EQ(textAt(harness, 0, 0), "/a");
+    EXPECT_EQ(textAt(harness, 3, 1), "none");
+}
+
 TEST(ImplicitLink, OfAVeryLongLineThePartAroundTheCellIsSearched)
 {
     TerminalHarness harness(80, 4, 500);
