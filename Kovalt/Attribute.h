@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <string>
 
@@ -71,10 +73,21 @@ struct Attribute {
         guard = kept;
     }
     [[nodiscard]] constexpr bool has(std::uint8_t bits) const { return (style & bits) != 0; }
+    /// Whether nothing but a background can be seen of an empty cell.
+    [[nodiscard]] constexpr bool hasOnlyBackground() const;
     /// The body of a report of this attribute: "0", the style codes and the colours, without the
     /// final letter.
     [[nodiscard]] std::string toSgr() const;
 };
 static_assert(sizeof(Attribute) == 16);
+
+constexpr bool Attribute::hasOnlyBackground() const
+{
+    Attribute looks;
+    looks.bg = bg;
+    looks.guard = guard;
+    using Words = std::array<std::uint64_t, 2>;
+    return std::bit_cast<Words>(*this) == std::bit_cast<Words>(looks);
+}
 
 } // namespace Kovalt

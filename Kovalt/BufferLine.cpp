@@ -3,8 +3,6 @@
 #include "Kovalt/GraphemeTable.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -14,20 +12,11 @@ namespace Kovalt {
 
 namespace {
 
-bool hasOnlyBackground(const Attribute& attribute)
-{
-    Attribute looks;
-    looks.bg = attribute.bg;
-    looks.guard = attribute.guard;
-    using Words = std::array<std::uint64_t, 2>;
-    return std::bit_cast<Words>(attribute) == std::bit_cast<Words>(looks);
-}
-
 /// Whether the cell is an erased one that has nothing but a background.
 bool isBlank(const CharData& cell)
 {
     return cell.code == 0 && cell.width == 1 && cell.payload == 0 &&
-           cell.semantic == SemanticCode::None && hasOnlyBackground(cell.attribute);
+           cell.semantic == SemanticCode::None && cell.attribute.hasOnlyBackground();
 }
 
 CharData* allocateCells(int count)
@@ -189,17 +178,6 @@ BidiPresentationState BufferLine::bidiState() const
     return state;
 }
 
-void BufferLine::setBidiState(const BidiPresentationState& state)
-{
-    const unsigned packed = unsigned(state.supportMode) | unsigned(state.autodetectDirection) << 1 |
-                            unsigned(state.fallbackDirection) << 2 |
-                            unsigned(state.boxMirroring) << 3;
-    if (packed == m_bidiState)
-        return;
-    m_bidiState = packed & 15;
-    ++m_generation;
-}
-
 void BufferLine::setRenderMode(RenderLineMode mode)
 {
     if (m_renderMode == mode)
@@ -231,20 +209,11 @@ void BufferLine::resize(int cols, const CharData& cell)
     fill(cell, before, cols - before);
 }
 
-void BufferLine::clear(const Attribute& attribute)
+void BufferLine::store(const Attribute& attribute)
 {
-    m_generation += 2;
-    ++m_recycleGeneration;
-    m_live = 0;
-    m_continuesEarly = false;
-    m_blankBackground = attribute.bg;
-    if (!hasOnlyBackground(attribute)) {
-        reserve(m_size);
-        std::fill(m_cells, m_cells + m_size, CharData::null(attribute));
-        m_live = m_size;
-    }
-    if (m_extra)
-        removeImages();
+    reserve(m_size);
+    std::fill(m_cells, m_cells + m_size, CharData::null(attribute));
+    m_live = m_size;
 }
 
 void BufferLine::fill(const CharData& cell)

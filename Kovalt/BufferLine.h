@@ -57,6 +57,10 @@ public:
     {
         const int end = column + count;
         ++m_generation;
+        if (column == m_live && end <= m_capacity) [[likely]] {
+            m_live = std::uint16_t(end);
+            return m_cells + column;
+        }
         splitWide(column);
         splitWide(end);
         if (end > m_live)
@@ -68,7 +72,16 @@ public:
     [[nodiscard]] bool isWrapped() const { return m_isWrapped; }
     void setWrapped(bool isWrapped);
     [[nodiscard]] BidiPresentationState bidiState() const;
-    void setBidiState(const BidiPresentationState& state);
+    void setBidiState(const BidiPresentationState& state)
+    {
+        const unsigned packed =
+            unsigned(state.supportMode) | unsigned(state.autodetectDirection) << 1U |
+            unsigned(state.fallbackDirection) << 2U | unsigned(state.boxMirroring) << 3U;
+        if (packed == m_bidiState)
+            return;
+        m_bidiState = packed & 15U;
+        ++m_generation;
+    }
     [[nodiscard]] RenderLineMode renderMode() const { return m_renderMode; }
     void setRenderMode(RenderLineMode mode);
 
@@ -82,7 +95,18 @@ public:
     void resize(int cols, const CharData& fill = {});
     /// Makes it an empty row of these looks, another row than before: images go, marks, wrapping
     /// and settings stay.
-    void clear(const Attribute& attribute);
+    void clear(const Attribute& attribute)
+    {
+        m_generation += 2;
+        ++m_recycleGeneration;
+        m_live = 0;
+        m_continuesEarly = false;
+        m_blankBackground = attribute.bg;
+        if (!attribute.hasOnlyBackground()) [[unlikely]]
+            store(attribute);
+        if (m_extra) [[unlikely]]
+            removeImages();
+    }
     /// Makes it a new row, without anything of the old one, for the ring's newest.
     void recycle(const Attribute& attribute)
     {
@@ -173,6 +197,8 @@ private:
     [[nodiscard]] Extra& extra();
     void dropEmptyExtra();
     void reserve(int count);
+    /// Stores empty cells with these looks.
+    void store(const Attribute& attribute);
     void materialize(int count);
     void extendLive(int column, int end);
     void blankPair(int column);

@@ -42,8 +42,11 @@ void Terminal::restrictCursor(bool allowPastEnd)
 
 void Terminal::endWaiting()
 {
-    m_buffer->x = m_buffer->standingColumn();
-    m_buffer->waits = false;
+    Buffer& buffer = *m_buffer;
+    if (!buffer.waits && buffer.x >= 0 && buffer.x < m_cols)
+        return;
+    buffer.x = buffer.standingColumn();
+    buffer.waits = false;
 }
 
 void Terminal::setCursor(int col, int row)

@@ -8,6 +8,8 @@ namespace Kovalt {
 
 bool Terminal::isCursorInMargins() const
 {
+    if (!m_modes.marginMode)
+        return true;
     const int x = m_buffer->standingColumn();
     return x >= leftMargin() && x <= rightMargin();
 }
