@@ -34,6 +34,15 @@ struct CellWords {
                     sizeof(third));
     }
 
+    /// Word by word, so that a compiler doesn't put the cell together in memory first.
+    void writeTo(CharData* cell, std::uint64_t firstWord) const
+    {
+        auto* const to = reinterpret_cast<char*>(cell);
+        std::memcpy(to, &firstWord, sizeof(firstWord));
+        std::memcpy(to + sizeof(first), &second, sizeof(second));
+        std::memcpy(to + sizeof(first) + sizeof(second), &third, sizeof(third));
+    }
+
     std::uint64_t first;
     std::uint64_t second;
     std::uint64_t third;
@@ -41,11 +50,8 @@ struct CellWords {
 
 void writeCells(CharData* cells, const char* text, std::size_t count, const CellWords& pattern)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        CellWords cell = pattern;
-        cell.first |= static_cast<unsigned char>(text[i]);
-        std::memcpy(static_cast<void*>(cells + i), &cell, sizeof(cell));
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        pattern.writeTo(cells + i, pattern.first | static_cast<unsigned char>(text[i]));
 }
 
 /// Writes one cell a byte, all alike but for their code.
@@ -210,16 +216,11 @@ void Buffer::insertScalarRun(std::span<const PrintedScalar> run, const Attribute
         }
         CharData* to = screenLine(y).overwrite(x, end - x);
         for (const auto [scalar, width] : run.first(fitting)) {
-            CellWords cell = pattern;
-            cell.first |= scalar;
-            if (width == 2) {
-                // Widths 2 and 0 in place of the pattern's 1.
-                cell.first += WidthStep;
-                CellWords half = pattern;
-                half.first -= WidthStep;
-                std::memcpy(static_cast<void*>(to + 1), &half, sizeof(half));
-            }
-            std::memcpy(static_cast<void*>(to), &cell, sizeof(cell));
+            // Widths 2 and 0 in place of the pattern's 1.
+            const std::uint64_t step = width == 2 ? WidthStep : 0;
+            pattern.writeTo(to, (pattern.first | scalar) + step);
+            if (step != 0)
+                pattern.writeTo(to + 1, pattern.first - step);
             to += width;
         }
         x = end;
