@@ -248,6 +248,23 @@ TEST_F(KovaltTool, EndsAfterItsTimeWithTheScreenThatIsThereThen)
     EXPECT_EQ(timeout.lines().value(0), "here");
 }
 
+TEST_F(KovaltTool, WhatAProgramSaysToItsEndIsNotOnTheScreen)
+{
+    const Result result =
+        runScript({"--rows", "2", "--after", "2500"},
+                  "trap 'echo farewell; exit' TERM HUP; echo here; while :; do sleep 0.01; done");
+
+    EXPECT_EQ(result.output, "here\n\n");
+}
+
+TEST_F(KovaltTool, AProgramThatCannotStartHasNoScreen)
+{
+    const Result result = run({"--", "no-such-program"});
+
+    EXPECT_EQ(result.status, 127);
+    EXPECT_TRUE(result.output.isEmpty());
+}
+
 TEST_F(KovaltTool, DoesNotWaitForItsTimeWhenTheProgramEndsBefore)
 {
     EXPECT_EQ(runScript({"--after", "600000", "--timeout", "600000"}, "exit 3").status, 3);

@@ -108,13 +108,14 @@ int Session::replay()
         complain("can't read " + *m_options.replayFile);
         return Failed;
     }
+    m_lastScreen = dump();
     return finish(0);
 }
 
 /// Writes what is to be kept. The status, unless that fails.
 int Session::finish(int status)
 {
-    bool isWritten = writeDump();
+    bool isWritten = bool(std::cout << m_lastScreen << std::flush);
     if (!isWritten)
         complain("can't write the screen");
     if (m_record.is_open() && !m_record.flush()) {
@@ -129,13 +130,13 @@ void Session::launch()
     const auto start = programStart(m_options.command, m_options.term);
     if (const auto* failure = std::get_if<StartFailure>(&start)) {
         complain(failure->text);
-        end(failure->status);
+        m_status = failure->status;
         return;
     }
     m_process.startProcess(std::get<Kovalt::ProcessStart>(start));
     if (!m_process.isRunning()) {
         complain(m_options.command.front() + " can't be started");
-        end(Failed);
+        m_status = Failed;
     }
 }
 
@@ -168,7 +169,7 @@ void Session::watchSignals()
         signalfd_siginfo info{};
         while (read(m_signals, &info, sizeof info) == ssize_t(sizeof info)) {
             if (info.ssi_signo == SIGUSR1)
-                (void)writeDump();
+                std::cout << dump() << std::flush;
             else
                 end(128 + int(info.ssi_signo));
         }
@@ -219,30 +220,27 @@ void Session::end(int status)
     if (m_status)
         return;
     m_status = status;
+    // What the program says to its end is not what was asked for.
+    m_lastScreen = dump();
     m_process.terminate();
     m_loop.stop();
 }
 
-/// False if standard output doesn't take it.
-bool Session::writeDump() const
+std::string Session::dump() const
 {
     const auto range = m_options.withHistory ? Kovalt::ScreenDump::Range::ScreenAndHistory
                                              : Kovalt::ScreenDump::Range::Screen;
-    std::string dump;
     switch (m_options.dump) {
     case DumpForm::None:
-        return true;
+        break;
     case DumpForm::Text:
-        dump = Kovalt::ScreenDump::text(m_terminal, range);
-        break;
+        return Kovalt::ScreenDump::text(m_terminal, range);
     case DumpForm::Sgr:
-        dump = Kovalt::ScreenDump::sgr(m_terminal, range) + '\n';
-        break;
+        return Kovalt::ScreenDump::sgr(m_terminal, range) + '\n';
     case DumpForm::Json:
-        dump = Kovalt::ScreenDump::json(m_terminal, range);
-        break;
+        return Kovalt::ScreenDump::json(m_terminal, range);
     }
-    return bool(std::cout << dump << std::flush);
+    return {};
 }
 
 // The terminal's

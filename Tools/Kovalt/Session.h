@@ -59,7 +59,8 @@ private:
     void press(const Kovalt::KittyKeyEvent& key);
     void goOnIfShown();
     void end(int status);
-    [[nodiscard]] bool writeDump() const;
+    /// The screen in the form that was asked for.
+    [[nodiscard]] std::string dump() const;
 
     const Options& m_options;
     std::vector<KeyStep> m_keys;
@@ -72,6 +73,7 @@ private:
     std::optional<RawInput> m_rawInput;
     std::ofstream m_record;
     int m_signals = -1;
+    std::string m_lastScreen;                             ///< As it was at the end.
     std::optional<int> m_status;                          ///< Once it has ended.
     std::optional<std::vector<std::uint8_t>> m_clipboard; ///< What the program put there.
     Kovalt::Terminal m_terminal;
