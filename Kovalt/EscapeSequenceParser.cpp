@@ -1,6 +1,7 @@
 #include "Kovalt/EscapeSequenceParser.h"
 
 #include "Kovalt/ParserRun.h"
+#include "Kovalt/ProfileInterval.h"
 #include "Kovalt/TextScan.h"
 
 #include <algorithm>
@@ -46,6 +47,7 @@ void EscapeSequenceParser::reset()
 
 void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) noexcept
 {
+    const ProfileInterval interval("ParserProfile", "Parser.Parse");
     const Sequence before = m_sequence;
     Run run{data};
     m_parsing = true;
