@@ -29,6 +29,8 @@ void handle(int signal, void (*handler)(int))
 
 void install()
 {
+    // Made now, since a handler can't make it.
+    (void)ShellCommand::runningGroup();
     handle(SIGTERM, end);
     handle(SIGINT, end);
     handle(SIGPIPE, SIG_IGN);

@@ -1,8 +1,12 @@
 #include "DemoAgent/Behaviours/ShellCommand.h"
 
+#include <sys/mman.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
+#include <new>
 
 namespace DemoAgent {
 
@@ -10,7 +14,18 @@ namespace {
 
 constexpr qsizetype MostOutput = 65536;
 
-volatile std::sig_atomic_t group = 0;
+/// The group of the running command, 0 if none runs. Shared with the command's process, which
+/// writes it before it becomes the shell: a signal that the command provokes at once finds it told.
+std::atomic<pid_t>& group()
+{
+    static auto* const shared = [] {
+        void* const page = ::mmap(nullptr, sizeof(std::atomic<pid_t>), PROT_READ | PROT_WRITE,
+                                  MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        return page == MAP_FAILED ? new std::atomic<pid_t>(0) : new (page) std::atomic<pid_t>(0);
+    }();
+    return *shared;
+}
+static_assert(std::atomic<pid_t>::is_always_lock_free);
 
 void keep(QByteArray& kept, const QByteArray& arrived)
 {
@@ -23,7 +38,11 @@ ShellCommand::ShellCommand(const QString& command, const QString& folder,
                            std::chrono::milliseconds limit)
 {
     m_process.setWorkingDirectory(folder);
-    m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    m_process.setChildProcessModifier([shared = &group()] {
+        ::setpgid(0, 0);
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        *shared = ::getpid();
+    });
     m_process.setStandardInputFile(QProcess::nullDevice());
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
                      [this] { keep(m_output, m_process.readAllStandardOutput()); });
@@ -41,7 +60,7 @@ ShellCommand::ShellCommand(const QString& command, const QString& folder,
     m_limit.setSingleShot(true);
     m_limit.start(limit);
     m_process.start("/bin/sh", {"-c", command});
-    group = static_cast<int>(m_process.processId());
+    group() = static_cast<pid_t>(m_process.processId());
 }
 
 ShellCommand::~ShellCommand()
@@ -49,12 +68,12 @@ ShellCommand::~ShellCommand()
     m_process.disconnect();
     killGroup();
     m_process.waitForFinished(1000);
-    group = 0;
+    group() = 0;
 }
 
 int ShellCommand::runningGroup()
 {
-    return group;
+    return group();
 }
 
 void ShellCommand::finish(bool timedOut)
