@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QJsonObject>
+#include "Terminals/PaneStyle.h"
 #include <QString>
 
 #include <optional>
@@ -18,7 +18,7 @@ struct PaneSnapshot {
     QString directory;
     std::optional<QString> scrollback;
     std::optional<QString> name;
-    std::optional<QJsonObject> style; ///< Kept as it is until panes have styles.
+    std::optional<PaneStyle> style; ///< Absent for the default one.
 
     bool operator==(const PaneSnapshot&) const = default;
 };
