@@ -116,6 +116,12 @@ signals:
     void titleChanged();
 
 private:
+    friend class TerminalPanel;
+
+    // A pane on its way to another group is nowhere for a moment, which nobody may see.
+    void putQuietly(std::unique_ptr<ConsolePane> pane, std::size_t index);
+    std::unique_ptr<ConsolePane> takeQuietly(const ConsolePane* pane);
+    void announce();
     void follow(const ConsolePane* pane);
 
     QString m_id;
@@ -245,10 +251,11 @@ private:
     void append(std::unique_ptr<ConsolePane> pane);
     void insertBesideFocused(std::unique_ptr<ConsolePane> pane);
     std::unique_ptr<TerminalGroup> take(std::size_t index);
+    void dropGroup(const TerminalGroup* group);
     void removeEmpty(const TerminalGroup* group);
-    void finishSwap(const QString& paneId, ConsolePane::Content content);
     void swapToTerminal(ConsolePane& pane);
     void swapToChat(ConsolePane& pane);
+    void finishSwap(ConsolePane& pane, ConsolePane::Content content);
     void setActiveGroupId(const QString& id);
     void setVisible(bool visible);
     void setMaximized(bool maximized);
