@@ -182,6 +182,8 @@ public:
     [[nodiscard]] TerminalGroup* group(const QString& id) const;         ///< Null if it isn't here.
     [[nodiscard]] TerminalGroup* groupOf(const ConsolePane* pane) const; ///< Null if it isn't here.
     [[nodiscard]] ConsolePane* pane(const QString& id) const;            ///< Null if it isn't here.
+    /// The pane that holds a conversation, by its id in lower case; null if none does.
+    [[nodiscard]] const ConsolePane* paneOfConversation(const QString& claudeSessionId) const;
     [[nodiscard]] PanelSnapshot snapshot() const;
 
     void show(); ///< Opens the panel; an empty one gets a Claude terminal first.
@@ -247,7 +249,6 @@ private:
                                                                    const QString& folder);
     void removeEnded(const TerminalSession* session);
     [[nodiscard]] std::optional<std::size_t> indexOf(const TerminalGroup* group) const;
-    [[nodiscard]] const ConsolePane* paneOfConversation(const QString& claudeSessionId) const;
     void append(std::unique_ptr<ConsolePane> pane);
     void insertBesideFocused(std::unique_ptr<ConsolePane> pane);
     std::unique_ptr<TerminalGroup> take(std::size_t index);
