@@ -21,7 +21,7 @@ class XServer {
 public:
     XServer()
     {
-        m_server.start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp"});
+        m_server.start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-noreset"});
         while (!m_line.contains('\n') && m_server.waitForReadyRead())
             m_line += m_server.readAllStandardOutput();
     }
@@ -32,7 +32,10 @@ public:
     }
 
     [[nodiscard]] QByteArray display() const { return ":" + m_line.trimmed(); }
-    void setLayout(const QString& layout) const { run("setxkbmap", {layout}); }
+    void setLayout(const QString& layout) const
+    {
+        run("setxkbmap", {"-layout", layout, "-option", "grp:menu_toggle"});
+    }
     void tap(const QString& key) const { run("xdotool", {"key", key}); }
 
 private:

@@ -47,8 +47,8 @@ enum class Turn { Up, Down, Left, Right };
 
 /// Where a selection has its end when the pointer is there. Above and below the view it is the
 /// first or last row.
-[[nodiscard]] Kovalt::SelectionPoint selectionPoint(const TerminalGeometry& geometry,
-                                                    QPointF place, int topRow);
+[[nodiscard]] Kovalt::SelectionPoint selectionPoint(const TerminalGeometry& geometry, QPointF place,
+                                                    int topRow);
 /// What a click selects by: the count of quick clicks, from 1, and whether alt is held.
 [[nodiscard]] Kovalt::SelectionMode selectionMode(int clicks, bool block);
 

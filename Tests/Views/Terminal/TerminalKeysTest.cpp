@@ -23,13 +23,13 @@ constexpr auto Shift = Qt::ShiftModifier;
 constexpr auto Alt = Qt::AltModifier;
 constexpr auto None = Qt::NoModifier;
 
-/// What a program gets for a press; "-" for nothing.
+/// What a program gets for a press; "(nothing)" for nothing.
 std::string sent(const TerminalKeyPress& press, KittyKeyboardFlags flags = Legacy)
 {
     const auto event = TerminalKeys::event(press, flags);
     if (!event)
-        return "-";
-    return Kovalt::KittyKeyboardEncoder::encode(flags, *event, {}).value_or("-");
+        return "(nothing)";
+    return Kovalt::KittyKeyboardEncoder::encode(flags, *event, {}).value_or("(nothing)");
 }
 
 TerminalKeyPress press(int key, Qt::KeyboardModifiers modifiers = {}, const QString& text = {},
@@ -96,7 +96,7 @@ TEST(TerminalKeys, OfAUsKeyboard)
         {"Ctrl+_", press(Qt::Key_Underscore, Ctrl | Shift, "\x1f", minus), control(0x1F),
          "\x1b[45:95;6u"},
         {"Ctrl+/", press(Qt::Key_Slash, Ctrl, "\x1f", slash), control(0x1F), "\x1b[47;5u"},
-        {"Ctrl+-", press(Qt::Key_Minus, Ctrl, "-", {'-', '_', '-', '-'}), "\x1b[45;5u",
+        {"Ctrl+-", press(Qt::Key_Minus, Ctrl, "-", {'-', '_', '-', '-'}), "-",
          "\x1b[45;5u"},
         {"Super+a", press(Qt::Key_A, Qt::MetaModifier, "a", a), "\x1b[97;9u", "\x1b[97;9u"},
     });
@@ -160,11 +160,11 @@ TEST(TerminalKeys, WithoutALayoutTheToolkitsKeyIsTheCharacter)
 
 TEST(TerminalKeys, AKeyThatNobodyCanNameSendsNothing)
 {
-    EXPECT_EQ(sent(press(Qt::Key_unknown)), "-");
-    EXPECT_EQ(sent(press(Qt::Key_MonBrightnessUp)), "-");
-    EXPECT_EQ(sent(press(Qt::Key_MonBrightnessUp, Ctrl), AllKeys), "-");
-    EXPECT_EQ(sent(press(Qt::Key_Dead_Acute)), "-");
-    EXPECT_EQ(sent(press(Qt::Key_Multi_key)), "-");
+    EXPECT_EQ(sent(press(Qt::Key_unknown)), "(nothing)");
+    EXPECT_EQ(sent(press(Qt::Key_MonBrightnessUp)), "(nothing)");
+    EXPECT_EQ(sent(press(Qt::Key_MonBrightnessUp, Ctrl), AllKeys), "(nothing)");
+    EXPECT_EQ(sent(press(Qt::Key_Dead_Acute)), "(nothing)");
+    EXPECT_EQ(sent(press(Qt::Key_Multi_key)), "(nothing)");
 }
 
 TEST(TerminalKeys, ChordsThatAnAgentNeedsReachIt)
@@ -254,7 +254,7 @@ TEST(TerminalKeys, ReleasesAndRepeatsAreTold)
     EXPECT_EQ(sent(key, Events), "a");
     key.type = KittyKeyboardEventType::Release;
     EXPECT_EQ(sent(key, Events), "\x1b[97;1:3u");
-    EXPECT_EQ(sent(key), "-");
+    EXPECT_EQ(sent(key), "(nothing)");
 }
 
 TEST(TerminalKeys, AModifierAloneIsToldWithItsOwnBit)
@@ -265,7 +265,7 @@ TEST(TerminalKeys, AModifierAloneIsToldWithItsOwnBit)
 
     EXPECT_EQ(sent(TerminalKeyPress::from(down, nullptr), Flags), "\x1b[57442;5u");
     EXPECT_EQ(sent(TerminalKeyPress::from(up, nullptr), Flags), "\x1b[57442;1:3u");
-    EXPECT_EQ(sent(TerminalKeyPress::from(down, nullptr)), "-");
+    EXPECT_EQ(sent(TerminalKeyPress::from(down, nullptr)), "(nothing)");
 }
 
 TEST(TerminalKeys, WhatAnInputMethodComposesIsNotSent)
@@ -273,7 +273,7 @@ TEST(TerminalKeys, WhatAnInputMethodComposesIsNotSent)
     TerminalKeyPress key = press(Qt::Key_A, None, "a");
     key.composing = true;
 
-    EXPECT_EQ(sent(key), "-");
+    EXPECT_EQ(sent(key), "(nothing)");
 }
 
 TEST(TerminalKeys, TheTextOfAKeyIsToldWhenAsked)
