@@ -50,8 +50,8 @@ void writePicture(const Area& area, const GlyphMask& mask, QRgb ground)
     for (int y = 0; y < height; ++y, row += area.stride, picture += mask.width) {
         for (int x = 0; x < width; ++x) {
             // The picture has its alpha multiplied in, so only the ground is weighed.
-            const QRgb faded = Pixels::mixed(ground, 0xFF000000U,
-                                             qAlpha(picture[x]) + (qAlpha(picture[x]) >> 7));
+            const QRgb faded =
+                Pixels::mixed(ground, 0xFF000000U, qAlpha(picture[x]) + (qAlpha(picture[x]) >> 7));
             row[x] = 0xFF000000U | qRgb(std::min(255, qRed(picture[x]) + qRed(faded)),
                                         std::min(255, qGreen(picture[x]) + qGreen(faded)),
                                         std::min(255, qBlue(picture[x]) + qBlue(faded)));

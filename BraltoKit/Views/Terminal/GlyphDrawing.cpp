@@ -30,7 +30,8 @@ public:
         m_image.fill(Qt::transparent);
     }
 
-    template <typename Draw> void draw(Draw draw, Synthesis synthesis, double baseline)
+    template <typename Draw>
+    void draw(Draw draw, Synthesis synthesis, double baseline)
     {
         QPainter painter(&m_image);
         painter.setRenderHint(QPainter::TextAntialiasing);
@@ -60,8 +61,8 @@ public:
         mask.coverage.reserve(size);
         mask.picture.reserve(size);
         for (int y = 0; y < m_height; ++y) {
-            const auto* pixels = reinterpret_cast<const QRgb*>(
-                m_image.constScanLine(y + m_stretch.top * m_height));
+            const auto* pixels =
+                reinterpret_cast<const QRgb*>(m_image.constScanLine(y + m_stretch.top * m_height));
             for (int x = 0; x < mask.width; ++x) {
                 const QRgb pixel = pixels[x];
                 isEmpty = isEmpty && qAlpha(pixel) == 0;
@@ -116,9 +117,8 @@ GlyphMask glyph(const QRawFont& font, quint32 index, const Box& box, Synthesis s
     run.setPositions({QPointF(0, 0)});
 
     Sheet sheet(box);
-    sheet.draw(
-        [&](QPainter& painter) { painter.drawGlyphRun(QPointF(left, box.baseline), run); },
-        synthesis, box.baseline);
+    sheet.draw([&](QPainter& painter) { painter.drawGlyphRun(QPointF(left, box.baseline), run); },
+               synthesis, box.baseline);
     return sheet.mask();
 }
 

@@ -107,11 +107,12 @@ const GlyphMask& TerminalFonts::keep(std::unique_ptr<GlyphMask>& slot, GlyphMask
 const GlyphMask& TerminalFonts::scalar(char32_t scalar, Place place)
 {
     std::unique_ptr<GlyphMask>& slot = m_scalars[key(scalar, place)];
-    if (!slot)
-        keep(slot, drawnScalar(scalar, place));
+    if (slot)
+        return *slot;
+    const GlyphMask& mask = keep(slot, drawnScalar(scalar, place));
     if (scalar < 128 && place.columns == 1 && place.mode == RenderLineMode::Single)
-        m_ascii[place.style][scalar] = slot.get();
-    return *slot;
+        m_ascii[place.style][scalar] = &mask;
+    return mask;
 }
 
 const GlyphMask& TerminalFonts::cluster(const std::string& text, Place place)
@@ -120,9 +121,7 @@ const GlyphMask& TerminalFonts::cluster(const std::string& text, Place place)
     std::string name(reinterpret_cast<const char*>(&looks), sizeof looks);
     name += text;
     std::unique_ptr<GlyphMask>& slot = m_clusters[name];
-    if (!slot)
-        keep(slot, drawn(QString::fromStdString(text), place));
-    return *slot;
+    return slot ? *slot : keep(slot, drawn(QString::fromStdString(text), place));
 }
 
 GlyphMask TerminalFonts::drawnScalar(char32_t scalar, Place place) const

@@ -22,8 +22,8 @@ namespace Bralto {
 class TerminalFonts {
 public:
     struct Face {
-        QString family;       ///< Empty for the program's own.
-        double size = 12;     ///< Of the letters.
+        QString family = {}; ///< Empty for the program's own.
+        double size = 12;    ///< Of the letters.
         double lineHeight = 18;
         bool hasLigatures = false;
 

@@ -97,7 +97,7 @@ void TerminalPainter::paintCells(const Target& target, const BufferLine& line, i
         attribute = next;
         overlay = over;
         isFresh = false;
-        setInks(inks(next, over));
+        use(inks(next, over));
     };
 
     int column = 0;
@@ -193,7 +193,7 @@ TerminalPalette::Inks TerminalPainter::inks(const Kovalt::Attribute& attribute,
     return result;
 }
 
-void TerminalPainter::setInks(const TerminalPalette::Inks& inks)
+void TerminalPainter::use(const TerminalPalette::Inks& inks)
 {
     m_current = inks;
     m_ramp = nullptr;
@@ -265,41 +265,50 @@ void TerminalPainter::paintCursor(const Target& target, const CursorLook& cursor
 
 void TerminalPainter::paintPreedit(const Target& target, const PreeditLook& preedit, int cols)
 {
-    int column = preedit.column;
-    int cursorColumn = -1;
-    setInks({m_palette.text(), m_palette.ground(), m_palette.text()});
-    QTextBoundaryFinder clusters(QTextBoundaryFinder::Grapheme, preedit.text);
-    for (qsizetype begin = 0; begin < preedit.text.size();) {
-        const qsizetype end = clusters.toNextBoundary();
-        if (end < 0)
-            break;
-        if (begin >= preedit.cursor && cursorColumn < 0)
-            cursorColumn = column;
+    struct Cluster {
+        QString text;
+        int width;
+        int end; ///< In the whole text.
+    };
+    std::vector<Cluster> clusters;
+    int whole = 0;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, preedit.text);
+    for (qsizetype begin = 0, end = 0; (end = finder.toNextBoundary()) > begin; begin = end) {
         const QString text = preedit.text.mid(begin, end - begin);
-        const int width = std::clamp(Kovalt::UnicodeUtil::columnWidth(text.toUcs4().value(0)), 1, 2);
-        if (column + width > cols)
-            break;
-        const GlyphMask& glyph =
-            m_fonts->cluster(text.toStdString(), {.columns = std::uint8_t(width)});
-        const int left = column * target.cell;
-        const CellPixels::Area area{target.pixels + left, target.stride, width * target.cell,
-                                    target.height};
-        CellPixels::fill(area, m_current.ground);
-        if (glyph.kind == GlyphMask::Kind::Picture)
-            CellPixels::writePicture(area, glyph, m_current.ground);
-        else if (glyph.kind == GlyphMask::Kind::Coverage)
-            CellPixels::blend(area, glyph, m_current.text);
-        CharData under;
-        under.width = std::int8_t(width);
-        under.attribute.underlineStyle = UnderlineStyle::Single;
-        paintLines(target, column, under, 0, RenderLineMode::Single);
-        column += width;
-        begin = end;
+        const int width = std::clamp(Kovalt::UnicodeUtil::columnWidth(text.toStdString()), 1, 2);
+        clusters.push_back({text, width, int(end)});
+        whole += width;
     }
-    if (cursorColumn < 0)
-        cursorColumn = column;
+    // It has a cell for its own cursor behind it, and begins earlier if it reaches the edge.
+    int column = std::max(0, std::min(preedit.column, cols - whole - 1));
+    int cursorColumn = column;
+    use({m_palette.text(), m_palette.ground(), m_palette.text()});
+    for (const Cluster& cluster : clusters) {
+        if (column + cluster.width > cols)
+            break;
+        paintCluster(target, column, cluster.text, cluster.width);
+        column += cluster.width;
+        if (cluster.end <= preedit.cursor)
+            cursorColumn = column;
+    }
     if (cursorColumn < cols)
         paintCursor(target, {cursorColumn, 1, CursorLook::Shape::Bar});
+}
+
+void TerminalPainter::paintCluster(const Target& target, int column, const QString& text, int width)
+{
+    const GlyphMask& glyph = m_fonts->cluster(text.toStdString(), {.columns = std::uint8_t(width)});
+    const CellPixels::Area area{target.pixels + column * target.cell, target.stride,
+                                width * target.cell, target.height};
+    CellPixels::fill(area, m_current.ground);
+    if (glyph.kind == GlyphMask::Kind::Picture)
+        CellPixels::writePicture(area, glyph, m_current.ground);
+    else if (glyph.kind == GlyphMask::Kind::Coverage)
+        CellPixels::blend(area, glyph, m_current.text);
+    CharData underlined;
+    underlined.width = std::int8_t(width);
+    underlined.attribute.underlineStyle = UnderlineStyle::Single;
+    paintLines(target, column, underlined, 0, RenderLineMode::Single);
 }
 
 } // namespace Bralto

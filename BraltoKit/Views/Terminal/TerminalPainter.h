@@ -57,7 +57,7 @@ struct PreeditLook {
 /// What one row shows besides its cells.
 struct RowLook {
     Kovalt::ColumnRange selection;
-    Kovalt::ColumnRange link; ///< Under the pointer.
+    Kovalt::ColumnRange link;                               ///< Under the pointer.
     std::vector<std::pair<Kovalt::ColumnRange, bool>> hits; ///< True for the current one.
     std::optional<CursorLook> cursor;
     std::optional<PreeditLook> preedit;
@@ -79,6 +79,7 @@ public:
     /// Another look of letters, or another terminal.
     void setFonts(std::shared_ptr<TerminalFonts> fonts);
     void setInks(const TerminalInks& inks) { m_inks = inks; }
+    [[nodiscard]] const TerminalInks& inks() const { return m_inks; }
     void setPalette(const TerminalPalette& palette) { m_palette = palette; }
     [[nodiscard]] const TerminalPalette& palette() const { return m_palette; }
 
@@ -111,11 +112,12 @@ private:
                     std::uint8_t overlay, Kovalt::RenderLineMode mode);
     void paintCursor(const Target& target, const CursorLook& cursor);
     void paintPreedit(const Target& target, const PreeditLook& preedit, int cols);
+    void paintCluster(const Target& target, int column, const QString& text, int width);
     [[nodiscard]] bool markOverlays(const RowLook& look, int cols);
     [[nodiscard]] TerminalPalette::Inks inks(const Kovalt::Attribute& attribute,
                                              std::uint8_t overlay) const;
     [[nodiscard]] const GlyphMask& mask(const Kovalt::CharData& cell, Kovalt::RenderLineMode mode);
-    void setInks(const TerminalPalette::Inks& inks);
+    void use(const TerminalPalette::Inks& inks);
     [[nodiscard]] const Ramp& ramp(QRgb ground, QRgb ink);
 
     static constexpr std::size_t RampCount = 64;

@@ -62,8 +62,8 @@ TerminalPalette::Inks TerminalPalette::inks(const Attribute& attribute) const
         if (attribute.has(Style::Invisible))
             text = ground;
     }
-    const bool hasOwnLine = attribute.underlineColor.kind != CellColor::Kind::None &&
-                            !attribute.has(Style::Invisible);
+    const bool hasOwnLine =
+        attribute.underlineColor.kind != CellColor::Kind::None && !attribute.has(Style::Invisible);
     return {text, ground, hasOwnLine ? resolved(attribute.underlineColor, text, ground) : text};
 }
 
