@@ -3,6 +3,7 @@
 #include "Base/Clock.h"
 #include "Base/DefaultsStore.h"
 #include "Base/Desktop.h"
+#include "Base/KeyboardLayout.h"
 #include "Base/Motion.h"
 #include "Base/Zoom.h"
 #include "Views/Kit/Theme.h"
@@ -29,6 +30,8 @@ struct ViewServices {
     WindowLayout::Role role = WindowLayout::Role::HomeApplication;
     /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`.
     std::function<QWidget*(ConsolePane&)> makePane;
+    /// Null if nothing is known of the keyboard: then terminals tell no alternate keys.
+    const KeyboardLayout* keyboard = nullptr;
 };
 
 } // namespace Bralto
