@@ -181,7 +181,9 @@ void drawArc(CoverageCanvas& canvas, int line, bool goesRight, bool goesDown)
     const double y = (canvas.height() - line) / 2 + line / 2.0;
     const double endX = goesRight ? width : 0;
     const double endY = goesDown ? height : 0;
-    const double radius = std::min(std::abs(endX - x), std::abs(endY - y));
+    // The last pixels are straight, or the curve would reach into the rows beside the line's.
+    const double radius =
+        std::max(1.0, std::min(std::abs(endX - x), std::abs(endY - y)) - std::max(1, line));
     const double towardsX = goesRight ? radius : -radius;
     const double towardsY = goesDown ? radius : -radius;
     // How far a cubic's handles reach to look like a quarter of a circle.

@@ -183,7 +183,7 @@ TEST(BoxDrawing, HalvesAndQuadrantsFillACellTogetherWithoutOverlap)
     complement(U"▘▝▖▗");
     complement(U"▚▞");
     complement(U"▙▝");
-    complement(U"\U0001FB00\U0001FB3A"); // The upper left sixth, and all but it.
+    complement(U"\U0001FB00\U0001FB3B"); // The upper left sixth, and all but it.
 }
 
 TEST(BoxDrawing, EighthsGrowFromTheirEdge)

@@ -156,7 +156,7 @@ TEST(TerminalPainter, ACurlyUnderlineBeginsWhereTheOneBeforeEnds)
     };
 
     EXPECT_GT(middle(seam), 0);
-    EXPECT_NEAR(middle(seam - 1), middle(seam), 1.5);
+    EXPECT_NEAR(middle(seam - 1), middle(seam), 2.5);
 }
 
 TEST(TerminalPainter, CrossedOutTextHasALineThroughItsMiddle)
