@@ -132,6 +132,9 @@ void TerminalFindBar::open(const QString& text)
 {
     if (!text.isEmpty() && !text.contains(u'\n'))
         m_field->setText(text);
+    const Kovalt::Terminal& terminal = m_session.terminal();
+    const Kovalt::Buffer& buffer = terminal.buffer();
+    m_origin = {buffer.linesTop + buffer.yDisp + terminal.rows(), 0};
     place();
     show();
     raise();
@@ -165,11 +168,9 @@ void TerminalFindBar::search()
     if (isHidden())
         return;
     Kovalt::SearchService& search = m_session.search();
-    const Kovalt::Terminal& terminal = m_session.terminal();
-    const Kovalt::Buffer& buffer = terminal.buffer();
     m_error = search.setQuery(query());
-    // What is nearest to the last row that can be seen, upwards: the newest comes first.
-    search.setOrigin({buffer.linesTop + buffer.yDisp + terminal.rows(), 0});
+    // Upwards, so that the newest comes first; from where one was, however much is written.
+    search.setOrigin(m_origin);
     m_awaitsMatch = true;
     m_shownCount = 0;
     step();
@@ -206,15 +207,20 @@ void TerminalFindBar::followOutput()
 
 void TerminalFindBar::next()
 {
-    m_awaitsMatch = false;
-    showCurrent(m_session.search().next());
-    showStatus();
+    goTo(m_session.search().next());
 }
 
 void TerminalFindBar::previous()
 {
+    goTo(m_session.search().previous());
+}
+
+void TerminalFindBar::goTo(const std::optional<Kovalt::TextRange>& match)
+{
     m_awaitsMatch = false;
-    showCurrent(m_session.search().previous());
+    if (match)
+        m_origin = {match->begin.row + 1, 0};
+    showCurrent(match);
     showStatus();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kovalt/Search/SearchService.h"
+#include "Kovalt/TextPosition.h"
 #include "Terminals/TerminalSession.h"
 #include "Views/Kit/ThemedWidget.h"
 
@@ -61,6 +62,7 @@ private:
     void search();
     void step();
     void followOutput();
+    void goTo(const std::optional<Kovalt::TextRange>& match);
     void showCurrent(const std::optional<Kovalt::TextRange>& match);
     void showStatus();
 
@@ -75,6 +77,7 @@ private:
     std::optional<Kovalt::SearchError> m_error;
     bool m_awaitsMatch = false; ///< The nearest match is still to be gone to.
     std::size_t m_shownCount = 0;
+    Kovalt::TextPosition m_origin; ///< Behind where one was: what is nearest above is shown.
 };
 
 } // namespace Bralto

@@ -7,8 +7,8 @@
 #include <QStyleHints>
 #include <QWheelEvent>
 
-#include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace Bralto {
 
@@ -124,7 +124,8 @@ void TerminalPointer::move(const QMouseEvent& event)
     if (m_isSelecting) {
         const int distance = QGuiApplication::styleHints()->startDragDistance() / 2;
         m_hasDragged |= (m_place - m_clickPlace).manhattanLength() >= distance;
-        extendSelection(m_place);
+        if (m_hasDragged)
+            extendSelection(m_place);
         return;
     }
     if (!event.buttons())

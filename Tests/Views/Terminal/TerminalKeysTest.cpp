@@ -96,8 +96,7 @@ TEST(TerminalKeys, OfAUsKeyboard)
         {"Ctrl+_", press(Qt::Key_Underscore, Ctrl | Shift, "\x1f", minus), control(0x1F),
          "\x1b[45:95;6u"},
         {"Ctrl+/", press(Qt::Key_Slash, Ctrl, "\x1f", slash), control(0x1F), "\x1b[47;5u"},
-        {"Ctrl+-", press(Qt::Key_Minus, Ctrl, "-", {'-', '_', '-', '-'}), "-",
-         "\x1b[45;5u"},
+        {"Ctrl+-", press(Qt::Key_Minus, Ctrl, "-", {'-', '_', '-', '-'}), "-", "\x1b[45;5u"},
         {"Super+a", press(Qt::Key_A, Qt::MetaModifier, "a", a), "\x1b[97;9u", "\x1b[97;9u"},
     });
 }
