@@ -84,8 +84,8 @@ PaneTheme::Scheme PaneTheme::colorScheme() const
 {
     if (!background)
         return Scheme::AsTheAppearance;
-    const std::uint32_t light = (*background >> 16U & 0xFFU) + (*background >> 8U & 0xFFU) +
-                                (*background & 0xFFU);
+    const std::uint32_t light =
+        (*background >> 16U & 0xFFU) + (*background >> 8U & 0xFFU) + (*background & 0xFFU);
     return light < 3 * 0x80 ? Scheme::Dark : Scheme::Light;
 }
 

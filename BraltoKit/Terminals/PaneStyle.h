@@ -17,7 +17,10 @@ struct PaneStyle {
     std::optional<QString> fontFamily;
     std::optional<double> fontSize; ///< Points at zoom 1.
 
-    [[nodiscard]] bool isDefault() const { return *this == PaneStyle(); }
+    [[nodiscard]] bool isDefault() const
+    {
+        return theme == QStringLiteral("default") && !fontFamily && !fontSize;
+    }
     [[nodiscard]] QJsonObject json() const;
     /// Absent without a theme, or if a key has another type.
     [[nodiscard]] static std::optional<PaneStyle> from(const QJsonObject& object);

@@ -87,13 +87,14 @@ public:
         return uuid ? std::optional(uuid->toString(QUuid::WithoutBraces)) : std::nullopt;
     }
 
-    std::optional<QJsonObject> object(const char* key)
+    std::optional<PaneStyle> style(const char* key)
     {
         const QJsonValue value = m_object.value(QLatin1String(key));
-        if (value.isObject())
-            return value.toObject();
-        m_areValid = m_areValid && (value.isUndefined() || value.isNull());
-        return std::nullopt;
+        if (value.isUndefined() || value.isNull())
+            return std::nullopt;
+        const auto style = PaneStyle::from(value.toObject());
+        m_areValid = m_areValid && style;
+        return style;
     }
 
     [[nodiscard]] bool areValid() const { return m_areValid; }
@@ -117,7 +118,7 @@ std::optional<PaneSnapshot> paneFrom(const QJsonValue& value)
     pane.directory = object[Directory].toString();
     pane.scrollback = keys.string(Scrollback);
     pane.name = keys.string(Name);
-    pane.style = keys.object(Style);
+    pane.style = keys.style(Style);
     return keys.areValid() ? std::optional(pane) : std::nullopt;
 }
 
@@ -155,7 +156,7 @@ QJsonObject json(const PaneSnapshot& pane)
     insertIfAny(object, Scrollback, pane.scrollback);
     insertIfAny(object, Name, pane.name);
     if (pane.style)
-        object.insert(QLatin1String(Style), *pane.style);
+        object.insert(QLatin1String(Style), pane.style->json());
     return object;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
 #include "Terminals/PaneStyle.h"
+#include <QByteArray>
 #include <QString>
 
 #include <optional>

@@ -1,62 +1,10 @@
 #include "Base/Uuid.h"
+#include "Terminals/PaneName.h"
 #include "Terminals/TerminalPanel.h"
 
 #include <algorithm>
 
 namespace Bralto {
-
-namespace {
-
-/// The name as it shows, if it shows anything.
-std::optional<QString> shown(const std::optional<QString>& name)
-{
-    const QString trimmed = name.value_or(QString()).trimmed();
-    return trimmed.isEmpty() ? std::nullopt : std::optional(trimmed);
-}
-
-} // namespace
-
-ConsolePane::ConsolePane(std::unique_ptr<ClaudeChat> chat, std::optional<QString> name,
-                         std::optional<QJsonObject> style)
-    : m_id(newUuid())
-    , m_chat(std::move(chat))
-    , m_name(std::move(name))
-    , m_style(std::move(style))
-{
-    connect(m_chat.get(), &ClaudeChat::titleChanged, this, &ConsolePane::labelChanged);
-}
-
-ConsolePane::~ConsolePane() = default;
-
-void ConsolePane::setName(const std::optional<QString>& name)
-{
-    if (name == m_name)
-        return;
-    m_name = name;
-    emit labelChanged();
-}
-
-QString ConsolePane::label() const
-{
-    return shown(m_name).value_or(m_chat->title());
-}
-
-QString ConsolePane::claudeSessionId() const
-{
-    return m_chat->sessionId();
-}
-
-PaneSnapshot ConsolePane::snapshot() const
-{
-    PaneSnapshot snapshot;
-    snapshot.kind = kind();
-    if (const auto session = parsedUuid(m_chat->sessionId()))
-        snapshot.claudeSessionId = session->toString(QUuid::WithoutBraces);
-    snapshot.directory = m_chat->folder();
-    snapshot.name = m_name;
-    snapshot.style = m_style;
-    return snapshot;
-}
 
 TerminalGroup::TerminalGroup(std::vector<std::unique_ptr<ConsolePane>> panes,
                              std::optional<QString> name)
@@ -84,13 +32,18 @@ ConsolePane* TerminalGroup::focusedPane() const
 
 QString TerminalGroup::title() const
 {
-    if (const auto name = shown(m_name))
+    if (const auto name = PaneName::shown(m_name))
         return *name;
     QStringList labels;
     for (const auto& pane : m_panes)
         labels.append(pane->label());
     labels.removeDuplicates();
     return labels.join(QStringLiteral(" + "));
+}
+
+bool TerminalGroup::containsClaude() const
+{
+    return std::ranges::any_of(m_panes, [](const auto& pane) { return pane->isClaude(); });
 }
 
 void TerminalGroup::setName(const std::optional<QString>& name)
@@ -109,36 +62,45 @@ void TerminalGroup::setFocusedPaneId(const QString& id)
     emit focusedPaneChanged();
 }
 
-void TerminalGroup::insert(std::unique_ptr<ConsolePane> pane, std::size_t index)
+void TerminalGroup::putQuietly(std::unique_ptr<ConsolePane> pane, std::size_t index)
 {
-    const QString id = pane->id();
     follow(pane.get());
+    m_focusedPaneId = pane->id();
     const auto place = std::ptrdiff_t(std::min(index, m_panes.size()));
     m_panes.insert(m_panes.begin() + place, std::move(pane));
-    m_focusedPaneId = id;
+}
+
+std::unique_ptr<ConsolePane> TerminalGroup::takeQuietly(const ConsolePane* pane)
+{
+    const auto index = indexOf(pane);
+    if (!index)
+        return nullptr;
+    std::unique_ptr<ConsolePane> taken = std::move(m_panes[*index]);
+    m_panes.erase(m_panes.begin() + std::ptrdiff_t(*index));
+    disconnect(taken.get(), nullptr, this, nullptr);
+    if (taken->id() == m_focusedPaneId)
+        m_focusedPaneId = m_panes.empty() ? QString() : m_panes[*index > 0 ? *index - 1 : 0]->id();
+    return taken;
+}
+
+void TerminalGroup::announce()
+{
     emit panesChanged();
     emit focusedPaneChanged();
     emit titleChanged();
 }
 
+void TerminalGroup::insert(std::unique_ptr<ConsolePane> pane, std::size_t index)
+{
+    putQuietly(std::move(pane), index);
+    announce();
+}
+
 std::unique_ptr<ConsolePane> TerminalGroup::detach(const ConsolePane* pane)
 {
-    const auto index = indexOf(pane);
-    if (!index)
-        return nullptr;
-    std::unique_ptr<ConsolePane> detached = std::move(m_panes[*index]);
-    m_panes.erase(m_panes.begin() + std::ptrdiff_t(*index));
-    disconnect(detached.get(), nullptr, this, nullptr);
-
-    const bool hadFocus = detached->id() == m_focusedPaneId;
-    if (hadFocus && m_panes.empty())
-        m_focusedPaneId.clear();
-    else if (hadFocus)
-        m_focusedPaneId = m_panes[*index > 0 ? *index - 1 : 0]->id();
-    emit panesChanged();
-    if (hadFocus)
-        emit focusedPaneChanged();
-    emit titleChanged();
+    std::unique_ptr<ConsolePane> detached = takeQuietly(pane);
+    if (detached)
+        announce();
     return detached;
 }
 

@@ -9,6 +9,8 @@ namespace Bralto {
 
 namespace {
 
+constexpr std::chrono::milliseconds SlideAway{340};
+
 /// Keeps `object` until the turn of the event loop is over. `owner` destroys it earlier if it goes
 /// first, since a queued call dies with its context.
 template <typename Object>
@@ -22,9 +24,9 @@ void outliveThisTurn(QObject* owner, std::unique_ptr<Object> object)
 } // namespace
 
 TerminalPanel::TerminalPanel(QString directory, const std::optional<PanelSnapshot>& snapshot,
-                             ChatFactory makeChat)
+                             Services services)
     : m_directory(std::move(directory))
-    , m_makeChat(std::move(makeChat))
+    , m_services(std::move(services))
 {
     if (snapshot)
         restore(*snapshot);
@@ -72,7 +74,37 @@ TerminalGroup* TerminalPanel::groupOf(const ConsolePane* pane) const
     return found != m_groups.end() ? found->get() : nullptr;
 }
 
-const ConsolePane* TerminalPanel::paneOf(const QString& claudeSessionId) const
+TerminalGroup* TerminalPanel::group(const QString& id) const
+{
+    const auto found =
+        std::ranges::find_if(m_groups, [&id](const auto& each) { return each->id() == id; });
+    return found != m_groups.end() ? found->get() : nullptr;
+}
+
+ConsolePane* TerminalPanel::pane(const QString& id) const
+{
+    for (const auto& each : m_groups) {
+        for (const auto& pane : each->panes()) {
+            if (pane->id() == id)
+                return pane.get();
+        }
+    }
+    return nullptr;
+}
+
+std::vector<TerminalSession*> TerminalPanel::allSessions() const
+{
+    std::vector<TerminalSession*> sessions;
+    for (const auto& each : m_groups) {
+        for (const auto& pane : each->panes()) {
+            if (TerminalSession* session = pane->terminal())
+                sessions.push_back(session);
+        }
+    }
+    return sessions;
+}
+
+const ConsolePane* TerminalPanel::paneOfConversation(const QString& claudeSessionId) const
 {
     for (const auto& group : m_groups) {
         for (const auto& pane : group->panes()) {
@@ -88,7 +120,7 @@ const ConsolePane* TerminalPanel::paneOf(const QString& claudeSessionId) const
 void TerminalPanel::show()
 {
     if (m_groups.empty())
-        addGroup(PaneKind::Chat, std::nullopt);
+        addGroup(PaneKind::Claude, std::nullopt);
     setVisible(true);
     if (const TerminalGroup* group = activeGroup())
         focus(group->focusedPane());
@@ -101,8 +133,8 @@ void TerminalPanel::hide()
     // What is typed from now on must not reach a hidden pane.
     m_requestedFocus.clear();
     setVisible(false);
-    setMaximized(false);
     emit focusReturned();
+    parkWhenAtRest();
 }
 
 void TerminalPanel::toggleMaximized()
@@ -135,6 +167,8 @@ void TerminalPanel::setVisible(bool visible)
     if (visible == m_isVisible)
         return;
     m_isVisible = visible;
+    if (visible)
+        setParked(false);
     emit isVisibleChanged(visible);
 }
 
@@ -144,6 +178,37 @@ void TerminalPanel::setMaximized(bool maximized)
         return;
     m_isMaximized = maximized;
     emit isMaximizedChanged(maximized);
+}
+
+void TerminalPanel::setParked(bool parked)
+{
+    if (parked == m_isParked)
+        return;
+    m_isParked = parked;
+    emit isParkedChanged(parked);
+}
+
+/// What slides away stays on show until it is out of sight.
+void TerminalPanel::parkWhenAtRest()
+{
+    Motion& motion = m_services.motion;
+    if (motion.inFlight() > 0) {
+        connect(
+            &motion, &Motion::ended, this, [this] { parkWhenAtRest(); }, Qt::SingleShotConnection);
+        return;
+    }
+    if (motion.isReduced())
+        park();
+    else
+        m_services.scheduler.after(SlideAway, this, [this] { park(); });
+}
+
+void TerminalPanel::park()
+{
+    if (m_isVisible)
+        return;
+    setMaximized(false);
+    setParked(true);
 }
 
 // --- adding
@@ -192,17 +257,18 @@ void TerminalPanel::insertBesideFocused(std::unique_ptr<ConsolePane> pane)
 
 void TerminalPanel::newTab(const std::optional<QString>& folder)
 {
-    addGroup(PaneKind::Chat, folder);
+    addGroup(PaneKind::Shell, folder);
     setVisible(true);
 }
 
 void TerminalPanel::resumeClaude(const QUuid& sessionId)
 {
     const QString id = sessionId.toString(QUuid::WithoutBraces);
-    if (const ConsolePane* pane = paneOf(id))
+    if (const ConsolePane* pane = paneOfConversation(id))
         focus(pane);
     else
-        insertBesideFocused(std::make_unique<ConsolePane>(m_makeChat(m_directory, id)));
+        insertBesideFocused(std::make_unique<ConsolePane>(
+            resumedTerminal(id, m_directory), PaneStyle::newPaneDefault(m_services.shared)));
     setVisible(true);
 }
 
@@ -211,10 +277,10 @@ void TerminalPanel::adoptChats(const QStringList& sessionIds)
     const std::size_t before = m_groups.size();
     for (const QString& each : sessionIds) {
         const QString id = each.toLower();
-        if (paneOf(id) || !parsedUuid(id))
+        if (paneOfConversation(id) || !parsedUuid(id))
             continue;
         std::vector<std::unique_ptr<ConsolePane>> panes;
-        panes.push_back(std::make_unique<ConsolePane>(m_makeChat(m_directory, id)));
+        panes.push_back(std::make_unique<ConsolePane>(m_services.makeChat(m_directory, id)));
         m_groups.push_back(std::make_unique<TerminalGroup>(std::move(panes)));
     }
     if (m_groups.size() == before)
@@ -225,14 +291,51 @@ void TerminalPanel::adoptChats(const QStringList& sessionIds)
     setVisible(true);
 }
 
-std::unique_ptr<ConsolePane> TerminalPanel::makePane([[maybe_unused]] PaneKind kind,
-                                                     const std::optional<QString>& folder) const
+std::unique_ptr<ConsolePane> TerminalPanel::makePane(PaneKind kind,
+                                                     const std::optional<QString>& folder)
 {
-    Q_ASSERT(kind == PaneKind::Chat);
-    return std::make_unique<ConsolePane>(m_makeChat(folder.value_or(m_directory), std::nullopt));
+    const QString directory = folder.value_or(m_directory);
+    ConsolePane::Content content;
+    if (kind == PaneKind::Chat)
+        content = m_services.makeChat(directory, std::nullopt);
+    else
+        content = makeSession({kind, directory, m_directory, std::nullopt});
+    return std::make_unique<ConsolePane>(std::move(content),
+                                         PaneStyle::newPaneDefault(m_services.shared));
+}
+
+std::unique_ptr<TerminalSession> TerminalPanel::makeSession(const TerminalSession::Start& start)
+{
+    auto session = m_services.makeSession(start);
+    connect(session.get(), &TerminalSession::ended, this,
+            [this, made = session.get()] { removeEnded(made); });
+    return session;
+}
+
+std::unique_ptr<TerminalSession> TerminalPanel::resumedTerminal(const QString& claudeSessionId,
+                                                                const QString& folder)
+{
+    PaneSnapshot conversation;
+    conversation.kind = PaneKind::Claude;
+    conversation.claudeSessionId = claudeSessionId;
+    conversation.directory = folder;
+    return makeSession({PaneKind::Claude, m_directory, m_directory, conversation});
 }
 
 // --- closing
+
+void TerminalPanel::removeEnded(const TerminalSession* session)
+{
+    for (const auto& each : m_groups) {
+        for (const auto& pane : each->panes()) {
+            // A swap ends its shell and goes on with the pane.
+            if (pane->terminal() == session && !pane->isSwapping()) {
+                remove(pane.get());
+                return;
+            }
+        }
+    }
+}
 
 void TerminalPanel::remove(const ConsolePane* pane)
 {
@@ -253,8 +356,7 @@ void TerminalPanel::removeEmpty(const TerminalGroup* group)
     if (!index)
         return;
     const bool wasActive = group->id() == m_activeGroupId;
-    outliveThisTurn(this, std::move(m_groups[*index]));
-    m_groups.erase(m_groups.begin() + std::ptrdiff_t(*index));
+    outliveThisTurn(this, take(*index));
 
     if (m_groups.empty())
         m_activeGroupId.clear();
@@ -269,6 +371,20 @@ void TerminalPanel::removeEmpty(const TerminalGroup* group)
         focus(active->focusedPane());
 }
 
+std::unique_ptr<TerminalGroup> TerminalPanel::take(std::size_t index)
+{
+    auto taken = std::move(m_groups[index]);
+    m_groups.erase(m_groups.begin() + std::ptrdiff_t(index));
+    return taken;
+}
+
+/// A group that lost its panes to another one, which has become the active one.
+void TerminalPanel::dropGroup(const TerminalGroup* group)
+{
+    if (const auto index = indexOf(group))
+        outliveThisTurn(this, take(*index));
+}
+
 void TerminalPanel::close(const TerminalGroup* group)
 {
     if (!indexOf(group))
@@ -276,7 +392,7 @@ void TerminalPanel::close(const TerminalGroup* group)
     std::vector<const ConsolePane*> panes;
     for (const auto& pane : group->panes()) {
         panes.push_back(pane.get());
-        pane->chat()->stop();
+        pane->stop();
     }
     for (const ConsolePane* pane : panes)
         remove(pane);
@@ -286,7 +402,7 @@ void TerminalPanel::close(const ConsolePane* pane)
 {
     if (!groupOf(pane))
         return;
-    pane->chat()->stop();
+    this->pane(pane->id())->stop();
     remove(pane);
 }
 
@@ -349,14 +465,8 @@ void TerminalPanel::requestFocus()
     const QString id = std::exchange(m_requestedFocus, QString());
     if (!m_isVisible)
         return;
-    for (const auto& group : m_groups) {
-        for (const auto& pane : group->panes()) {
-            if (pane->id() == id) {
-                emit focusRequested(pane.get());
-                return;
-            }
-        }
-    }
+    if (const ConsolePane* found = pane(id))
+        emit focusRequested(found);
 }
 
 void TerminalPanel::setActiveGroupId(const QString& id)

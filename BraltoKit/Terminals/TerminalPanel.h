@@ -116,6 +116,12 @@ signals:
     void titleChanged();
 
 private:
+    friend class TerminalPanel;
+
+    // A pane on its way to another group is nowhere for a moment, which nobody may see.
+    void putQuietly(std::unique_ptr<ConsolePane> pane, std::size_t index);
+    std::unique_ptr<ConsolePane> takeQuietly(const ConsolePane* pane);
+    void announce();
     void follow(const ConsolePane* pane);
 
     QString m_id;
@@ -176,6 +182,8 @@ public:
     [[nodiscard]] TerminalGroup* group(const QString& id) const;         ///< Null if it isn't here.
     [[nodiscard]] TerminalGroup* groupOf(const ConsolePane* pane) const; ///< Null if it isn't here.
     [[nodiscard]] ConsolePane* pane(const QString& id) const;            ///< Null if it isn't here.
+    /// The pane that holds a conversation, by its id in lower case; null if none does.
+    [[nodiscard]] const ConsolePane* paneOfConversation(const QString& claudeSessionId) const;
     [[nodiscard]] PanelSnapshot snapshot() const;
 
     void show(); ///< Opens the panel; an empty one gets a Claude terminal first.
@@ -241,14 +249,14 @@ private:
                                                                    const QString& folder);
     void removeEnded(const TerminalSession* session);
     [[nodiscard]] std::optional<std::size_t> indexOf(const TerminalGroup* group) const;
-    [[nodiscard]] const ConsolePane* paneOfConversation(const QString& claudeSessionId) const;
     void append(std::unique_ptr<ConsolePane> pane);
     void insertBesideFocused(std::unique_ptr<ConsolePane> pane);
     std::unique_ptr<TerminalGroup> take(std::size_t index);
+    void dropGroup(const TerminalGroup* group);
     void removeEmpty(const TerminalGroup* group);
-    void finishSwap(const QString& paneId, ConsolePane::Content content);
     void swapToTerminal(ConsolePane& pane);
     void swapToChat(ConsolePane& pane);
+    void finishSwap(ConsolePane& pane, ConsolePane::Content content);
     void setActiveGroupId(const QString& id);
     void setVisible(bool visible);
     void setMaximized(bool maximized);

@@ -28,17 +28,23 @@ void TerminalPanel::restore(const PanelSnapshot& snapshot)
     const bool isInRange = active >= 0 && std::size_t(active) < m_groups.size();
     m_activeGroupId = m_groups[isInRange ? std::size_t(active) : 0]->id();
     m_isVisible = snapshot.isVisible;
+    m_isParked = !m_isVisible;
 }
 
-std::unique_ptr<ConsolePane> TerminalPanel::restored(const PaneSnapshot& snapshot) const
+std::unique_ptr<ConsolePane> TerminalPanel::restored(const PaneSnapshot& snapshot)
 {
-    // A conversation that ran in a terminal goes on as a chat; a plain shell has nothing to go on
-    // with.
-    if (snapshot.kind == PaneKind::Shell || !snapshot.claudeSessionId)
-        return nullptr;
-    const QString folder = QFileInfo::exists(snapshot.directory) ? snapshot.directory : m_directory;
-    return std::make_unique<ConsolePane>(m_makeChat(folder, snapshot.claudeSessionId->toLower()),
-                                         snapshot.name, snapshot.style);
+    ConsolePane::Content content;
+    if (snapshot.kind == PaneKind::Chat) {
+        if (!snapshot.claudeSessionId)
+            return nullptr;
+        const QString folder =
+            QFileInfo::exists(snapshot.directory) ? snapshot.directory : m_directory;
+        content = m_services.makeChat(folder, snapshot.claudeSessionId->toLower());
+    } else {
+        content = makeSession({snapshot.kind, m_directory, m_directory, snapshot});
+    }
+    return std::make_unique<ConsolePane>(std::move(content), snapshot.style.value_or(PaneStyle()),
+                                         snapshot.name);
 }
 
 } // namespace Bralto

@@ -2,6 +2,7 @@
 
 #include "Base/Clock.h"
 #include "Base/Scheduler.h"
+#include "Kovalt/ProgressReport.h"
 #include "Kovalt/Search/SearchService.h"
 #include "Kovalt/Selection/SelectionService.h"
 #include "Kovalt/Terminal.h"
@@ -117,7 +118,7 @@ signals:
     void titleChanged();
     void colorsChanged();
     void modesChanged(); ///< Mouse reports, cursor shape, focus: what a view asks the modes for.
-    void bell();
+    void rang();
     /// A program wants the clipboard to hold this.
     void clipboardCopied(const QString& text);
     /// A program wants to tell the user something.
@@ -131,11 +132,10 @@ private:
     // Kovalt::TerminalDelegate
     void setTerminalTitle(Kovalt::Terminal& source, const std::string& title) override;
     void send(Kovalt::Terminal& source, std::span<const std::uint8_t> data) override;
-    void scrolled(Kovalt::Terminal& source, int yDisp) override;
+    void sizeChanged(Kovalt::Terminal& source) override;
     void bufferActivated(Kovalt::Terminal& source) override;
     void synchronizedOutputChanged(Kovalt::Terminal& source, bool active) override;
     void bell(Kovalt::Terminal& source) override;
-    [[nodiscard]] bool isProcessTrusted(Kovalt::Terminal& source) override;
     [[nodiscard]] std::optional<std::pair<int, int>>
     cellSizeInPixels(Kovalt::Terminal& source) override;
     void mouseModeChanged(Kovalt::Terminal& source) override;
@@ -155,10 +155,11 @@ private:
     void dataReceived(std::span<const std::uint8_t> slice) override;
     winsize getWindowSize() override;
 
-    [[nodiscard]] Kovalt::TerminalOptions options(Services& services);
+    [[nodiscard]] Kovalt::TerminalOptions options() const;
     void replay(const QString& scrollback);
     void startShell(const QString& project);
-    void awaitChildren(int round, std::function<void()> done);
+    void awaitChildren(int round, const std::function<void()>& done);
+    void finish();
 
     Services m_services;
     const QString m_id;
@@ -166,7 +167,7 @@ private:
     std::optional<QString> m_claudeSessionId;
     QString m_startDirectory;
     QString m_title;
-    Grid m_grid;
+    Grid m_grid = {};
     std::unique_ptr<Timer> m_timer;
     Kovalt::Terminal m_terminal;
     Kovalt::SelectionService m_selection;

@@ -39,7 +39,7 @@ Workspace::Workspace(Services services, RestoreSession restore, QObject* parent)
     SharedMigration::migrateIfNeeded(shared, m_services.legacy);
 
     m_firstPanel =
-        std::make_unique<TerminalPanel>(m_services.paths.home(), std::nullopt, m_services.makeChat);
+        std::make_unique<TerminalPanel>(m_services.paths.home(), std::nullopt, m_services.panel);
     m_terminal = m_firstPanel.get();
     m_showHiddenFiles = shared.boolean(ShowHiddenFilesKey).value_or(false);
     m_autosaveEnabled = shared.boolean(AutosaveKey).value_or(true);
@@ -271,7 +271,7 @@ TerminalPanel& Workspace::panel(const std::optional<QString>& folder)
     auto& panel = m_terminals[key];
     if (!panel) {
         panel = std::make_unique<TerminalPanel>(key, TerminalStore::load(m_services.paths, key),
-                                                m_services.makeChat);
+                                                m_services.panel);
     }
     return *panel;
 }
@@ -280,6 +280,16 @@ void Workspace::openConsoleIfNew()
 {
     if (!m_terminal->hasPanes())
         m_terminal->show();
+}
+
+bool Workspace::revealClaudePane(const QString& claudeSessionId)
+{
+    const ConsolePane* pane = m_terminal->paneOfConversation(claudeSessionId.toLower());
+    if (!pane)
+        return false;
+    m_terminal->show();
+    m_terminal->focus(pane);
+    return true;
 }
 
 void Workspace::setTerminal(TerminalPanel& panel)

@@ -107,7 +107,7 @@ public:
         ProjectLauncher& launcher;
         GitWatcher& git;
         FocusReader& focus;
-        TerminalPanel::ChatFactory makeChat;
+        TerminalPanel::Services panel; ///< What every panel is made with.
         /// The project of this process's bundle; absent in the home application.
         std::optional<QString> folder;
         Pages pages = Pages::Unavailable;
@@ -234,6 +234,8 @@ public:
     /// The panel of a folder, or of the home folder; made from its file when first asked for.
     TerminalPanel& panel(const std::optional<QString>& folder);
     void openConsoleIfNew();
+    /// Opens the panel at the pane that holds this conversation; whether there is one.
+    bool revealClaudePane(const QString& claudeSessionId);
 
 signals:
     /// The old root lives until every listener has returned.

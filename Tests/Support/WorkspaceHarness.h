@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Tests/Support/ChatMaker.h"
 #include "Tests/Support/FakeDesktop.h"
 #include "Tests/Support/FakeDialogs.h"
+#include "Tests/Support/FakePanes.h"
 #include "Tests/Support/MemoryDefaultsStore.h"
 #include "Workspace/Workspace.h"
 
@@ -82,7 +82,7 @@ public:
                 .launcher = launcher,
                 .git = git,
                 .focus = focus,
-                .makeChat = chats.factory(),
+                .panel = panes.panelServices(shared),
                 .folder = folder,
                 .pages = pages};
     }
@@ -117,7 +117,8 @@ public:
     MemoryDefaultsStore shared;
     MemoryDefaultsStore standard;
     MemoryDefaultsStore legacy;
-    ChatMaker chats;
+    PaneMaker panes;
+    ChatMaker& chats = panes.chats;
     FakeDialogs dialogs;
     FakeDesktop desktop;
     FakeProjectLauncher launcher;

@@ -18,7 +18,7 @@ PanelSnapshot everything()
     chat.claudeSessionId = Session;
     chat.directory = "/p/“x”";
     chat.name = "Review";
-    chat.style = QJsonObject{{"theme", "default"}, {"size", 15}};
+    chat.style = PaneStyle{"default", "Fira Code", 15.5};
     PaneSnapshot shell;
     shell.kind = PaneKind::Shell;
     shell.directory = "/p";

@@ -1,5 +1,5 @@
 #include "Terminals/TerminalPanel.h"
-#include "Tests/Support/ChatMaker.h"
+#include "Tests/Support/FakePanes.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -33,8 +33,9 @@ struct TerminalPanelTest : testing::Test {
         return group(inGroup)->panes().at(index).get();
     }
 
-    ChatMaker chats;
-    TerminalPanel panel{"/p", std::nullopt, chats.factory()};
+    PaneMaker panes;
+    ChatMaker& chats = panes.chats;
+    TerminalPanel panel{"/p", std::nullopt, panes.panelServices()};
     QStringList focused;
 };
 
@@ -51,7 +52,7 @@ TEST_F(TerminalPanelTest, BeginsEmptyAndHidden)
     EXPECT_EQ(panel.editorFraction(), 0.5);
 }
 
-TEST_F(TerminalPanelTest, ShowingAnEmptyPanelOpensAConversationInTheProject)
+TEST_F(TerminalPanelTest, ShowingAnEmptyPanelOpensAClaudeTerminalInTheProject)
 {
     panel.show();
     turn();
@@ -59,8 +60,9 @@ TEST_F(TerminalPanelTest, ShowingAnEmptyPanelOpensAConversationInTheProject)
     ASSERT_EQ(panel.groups().size(), 1U);
     EXPECT_TRUE(panel.isVisible());
     EXPECT_EQ(panel.activeGroup(), group(0));
-    EXPECT_EQ(pane(0, 0)->kind(), PaneKind::Chat);
-    EXPECT_EQ(pane(0, 0)->chat()->folder(), "/p");
+    EXPECT_EQ(pane(0, 0)->kind(), PaneKind::Claude);
+    EXPECT_EQ(pane(0, 0)->label(), "Claude");
+    EXPECT_EQ(pane(0, 0)->terminal()->startDirectory(), "/p");
     EXPECT_EQ(focused, QStringList(pane(0, 0)->id()));
 }
 
@@ -78,7 +80,7 @@ TEST_F(TerminalPanelTest, ShowingAgainKeepsThePanesAndAsksForTheKeyboard)
     EXPECT_EQ(focused.size(), 1);
 }
 
-TEST_F(TerminalPanelTest, HidingGivesTheKeyboardBackAndEndsTheFullHeight)
+TEST_F(TerminalPanelTest, HidingGivesTheKeyboardBackAndOnceOutOfSightEndsTheFullHeight)
 {
     panel.show();
     panel.toggleMaximized();
@@ -86,10 +88,51 @@ TEST_F(TerminalPanelTest, HidingGivesTheKeyboardBackAndEndsTheFullHeight)
     const QSignalSpy returned(&panel, &TerminalPanel::focusReturned);
 
     panel.hide();
-
     EXPECT_FALSE(panel.isVisible());
-    EXPECT_FALSE(panel.isMaximized());
+    EXPECT_FALSE(panel.isParked());
+    EXPECT_TRUE(panel.isMaximized());
     EXPECT_EQ(returned.count(), 1);
+
+    chats.scheduler.advance(std::chrono::milliseconds(340));
+    EXPECT_TRUE(panel.isParked());
+    EXPECT_FALSE(panel.isMaximized());
+}
+
+TEST_F(TerminalPanelTest, APanelThatIsShownAgainBeforeItIsOutOfSightIsNeverParked)
+{
+    panel.show();
+    const QSignalSpy parked(&panel, &TerminalPanel::isParkedChanged);
+
+    panel.hide();
+    panel.show();
+    chats.scheduler.advance(std::chrono::seconds(1));
+
+    EXPECT_FALSE(panel.isParked());
+    EXPECT_EQ(parked.count(), 0);
+}
+
+TEST_F(TerminalPanelTest, AMotionUnderWayIsOverBeforeThePanelIsParked)
+{
+    panel.show();
+    const quint64 motion = panes.motion.begin("toggle", std::nullopt);
+
+    panel.hide();
+    chats.scheduler.advance(std::chrono::seconds(1));
+    EXPECT_FALSE(panel.isParked());
+
+    panes.motion.end(motion);
+    chats.scheduler.advance(std::chrono::seconds(1));
+    EXPECT_TRUE(panel.isParked());
+}
+
+TEST_F(TerminalPanelTest, WithReducedMotionThePanelIsParkedAtOnce)
+{
+    panes.motion.setReduced(true);
+    panel.show();
+
+    panel.hide();
+
+    EXPECT_TRUE(panel.isParked());
 }
 
 TEST_F(TerminalPanelTest, AHiddenPaneNeverAsksForTheKeyboard)
@@ -203,8 +246,9 @@ TEST_F(TerminalPanelTest, ANewTabStandsAtTheEndInTheGivenFolder)
     turn();
 
     ASSERT_EQ(panel.groups().size(), 3U);
-    EXPECT_EQ(pane(1, 0)->chat()->folder(), "/p/sub");
-    EXPECT_EQ(pane(2, 0)->chat()->folder(), "/p");
+    EXPECT_EQ(pane(1, 0)->kind(), PaneKind::Shell);
+    EXPECT_EQ(pane(1, 0)->terminal()->startDirectory(), "/p/sub");
+    EXPECT_EQ(pane(2, 0)->terminal()->startDirectory(), "/p");
     EXPECT_EQ(panel.activeGroup(), group(2));
     EXPECT_EQ(focused.last(), pane(2, 0)->id());
 }
@@ -262,7 +306,8 @@ TEST_F(TerminalPanelTest, ResumingAnotherConversationOpensItBesideTheFocusedPane
     ASSERT_EQ(panel.groups().size(), 1U);
     ASSERT_EQ(group(0)->panes().size(), 2U);
     EXPECT_EQ(pane(0, 1)->claudeSessionId(), SessionB);
-    EXPECT_EQ(pane(0, 1)->chat()->folder(), "/p");
+    EXPECT_EQ(pane(0, 1)->kind(), PaneKind::Claude);
+    EXPECT_EQ(pane(0, 1)->terminal()->startDirectory(), "/p");
 }
 
 // --- closing
@@ -347,7 +392,7 @@ TEST_F(TerminalPanelTest, RemovingAPaneThatHasNoFocusKeepsTheFocus)
 
 TEST_F(TerminalPanelTest, ClosingEndsTheConversationsAndRemovingDoesNot)
 {
-    panel.show();
+    panel.addPane(PaneKind::Chat);
     panel.addPane(PaneKind::Chat);
     ASSERT_TRUE(pane(0, 0)->chat()->launchIfNeeded(ClaudeChat::Turn::No));
     ASSERT_TRUE(pane(0, 1)->chat()->launchIfNeeded(ClaudeChat::Turn::No));

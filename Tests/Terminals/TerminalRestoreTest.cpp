@@ -1,6 +1,7 @@
 #include "Terminals/TerminalPanel.h"
-#include "Tests/Support/ChatMaker.h"
+#include "Tests/Support/FakePanes.h"
 
+#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ const QString SessionB = "3f2504e0-4f89-41d3-9a0c-0305e82c3302";
 struct TerminalRestoreTest : testing::Test {
     std::unique_ptr<TerminalPanel> restored(const PanelSnapshot& snapshot)
     {
-        return std::make_unique<TerminalPanel>(folder.path(), snapshot, chats.factory());
+        return std::make_unique<TerminalPanel>(folder.path(), snapshot, panes.panelServices());
     }
 
     [[nodiscard]] PaneSnapshot chat(const std::optional<QString>& session) const
@@ -27,7 +28,8 @@ struct TerminalRestoreTest : testing::Test {
     }
 
     const QTemporaryDir folder;
-    ChatMaker chats;
+    PaneMaker panes;
+    ChatMaker& chats = panes.chats;
 };
 
 } // namespace
@@ -38,7 +40,7 @@ TEST_F(TerminalRestoreTest, APanelComesBackAsItWasSaved)
     kept.groups.push_back({{chat(SessionA)}, 0, "One"});
     kept.groups.push_back({{chat(SessionB), chat(SessionA)}, 1, std::nullopt});
     kept.groups[1].panes[0].name = "Left";
-    kept.groups[1].panes[1].style = QJsonObject{{"theme", "default"}, {"size", 15}};
+    kept.groups[1].panes[1].style = PaneStyle{"ocean", std::nullopt, 15.0};
 
     const auto panel = restored(kept);
 
@@ -98,7 +100,7 @@ TEST_F(TerminalRestoreTest, AnActiveTabOutOfRangeIsTheFirst)
     }
 }
 
-TEST_F(TerminalRestoreTest, AConversationFromATerminalGoesOnAsAChatAndAShellIsLeftOut)
+TEST_F(TerminalRestoreTest, AConversationInATerminalGoesOnThereAndAShellBelowItsOldText)
 {
     PaneSnapshot claude = chat(SessionA);
     claude.kind = PaneKind::Claude;
@@ -106,14 +108,65 @@ TEST_F(TerminalRestoreTest, AConversationFromATerminalGoesOnAsAChatAndAShellIsLe
     unknown.kind = PaneKind::Claude;
     PaneSnapshot shell = chat(std::nullopt);
     shell.kind = PaneKind::Shell;
-    shell.scrollback = "$ make";
+    shell.scrollback = "make\nok";
     PanelSnapshot kept{true, 0.5, 0, {{{shell, claude, unknown}, 0, std::nullopt}}};
 
     const auto panel = restored(kept);
 
     ASSERT_EQ(panel->groups().size(), 1U);
+    const auto& made = panel->groups()[0]->panes();
+    ASSERT_EQ(made.size(), 3U);
+    EXPECT_EQ(made[0]->kind(), PaneKind::Shell);
+    EXPECT_EQ(made[0]->terminal()->scrollbackText(), "make\nok");
+    EXPECT_EQ(made[1]->kind(), PaneKind::Claude);
+    EXPECT_EQ(made[1]->claudeSessionId(), SessionA);
+    EXPECT_EQ(made[2]->kind(), PaneKind::Claude);
+    EXPECT_TRUE(QUuid::fromString(made[2]->claudeSessionId()).isNull() == false);
+}
+
+TEST_F(TerminalRestoreTest, AStyleThatNamesAThemeOfAnotherTimeIsKept)
+{
+    PaneSnapshot pane = chat(SessionA);
+    pane.style = PaneStyle{"sunset", std::nullopt, std::nullopt};
+    PanelSnapshot kept{true, 0.5, 0, {{{pane}, 0, std::nullopt}}};
+
+    const auto panel = restored(kept);
+
+    EXPECT_EQ(panel->groups()[0]->panes()[0]->style().theme, "sunset");
+    EXPECT_EQ(panel->snapshot(), kept);
+    EXPECT_STREQ(PaneTheme::named("sunset").id, "default");
+}
+
+TEST_F(TerminalRestoreTest, AShellThatCannotStartTakesItsPaneAlong)
+{
+    panes.shellsStart = false;
+    PaneSnapshot shell = chat(std::nullopt);
+    shell.kind = PaneKind::Shell;
+    PanelSnapshot kept{true, 0.5, 0, {{{shell, chat(SessionA)}, 0, std::nullopt}}};
+
+    const auto panel = restored(kept);
+    QCoreApplication::processEvents();
+
+    ASSERT_EQ(panel->groups().size(), 1U);
     ASSERT_EQ(panel->groups()[0]->panes().size(), 1U);
-    EXPECT_EQ(panel->groups()[0]->panes()[0]->claudeSessionId(), SessionA);
+    EXPECT_EQ(panel->groups()[0]->panes()[0]->kind(), PaneKind::Chat);
+}
+
+TEST_F(TerminalRestoreTest, TenThousandPanesComeBackAndCanAllBeClosed)
+{
+    PanelSnapshot kept{true, 0.5, 0, {}};
+    PaneSnapshot shell = chat(std::nullopt);
+    shell.kind = PaneKind::Shell;
+    for (int group = 0; group < 100; ++group)
+        kept.groups.push_back({std::vector<PaneSnapshot>(100, shell), 99, std::nullopt});
+    panes.host.rows = 0;
+
+    const auto panel = restored(kept);
+    ASSERT_EQ(panel->allSessions().size(), 10'000U);
+
+    while (panel->hasPanes())
+        panel->close(panel->groups().front().get());
+    EXPECT_FALSE(panel->isVisible());
 }
 
 TEST_F(TerminalRestoreTest, AChatWhoseFolderHasGoneStandsInTheProject)
@@ -138,11 +191,12 @@ TEST_F(TerminalRestoreTest, AShareOutOfRangeIsHeldWithinTheLimits)
 
 TEST_F(TerminalRestoreTest, ASessionThatIsNoUuidIsNotSaved)
 {
-    TerminalPanel panel(folder.path(), std::nullopt,
-                        [this](const QString& in, const std::optional<QString>&) {
-                            return chats.factory()(in, QStringLiteral("imported"));
-                        });
-    panel.show();
+    TerminalPanel::Services services = panes.panelServices();
+    services.makeChat = [this](const QString& in, const std::optional<QString>&) {
+        return chats.factory()(in, QStringLiteral("imported"));
+    };
+    TerminalPanel panel(folder.path(), std::nullopt, services);
+    panel.addPane(PaneKind::Chat);
 
     EXPECT_FALSE(panel.snapshot().groups.at(0).panes.at(0).claudeSessionId);
 }

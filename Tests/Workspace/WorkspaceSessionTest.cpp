@@ -371,7 +371,7 @@ TEST_F(WorkspaceSessionTest, WithoutASharedDomainItsKeysLandInTheProcesssOwn)
                          .launcher = services.launcher,
                          .git = services.git,
                          .focus = services.focus,
-                         .makeChat = services.makeChat,
+                         .panel = services.panel,
                          .folder = services.folder,
                          .pages = services.pages},
                         Workspace::RestoreSession::Yes);
