@@ -143,17 +143,17 @@ void Program::buildWindow()
         new RootView({m_workspace, m_theme, m_desktop, m_defaults, m_clock, m_motion, m_zoom,
                       m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
                                            : WindowLayout::Role::HomeApplication,
-                      [this](ConsolePane& pane) { return makePane(pane); }},
+                      [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }},
                      nullptr));
     m_window->setMenu((new CommandMenu(m_commands, m_window.get()))->menu());
     m_window->installEventFilter(this);
     new FirstFrame(m_window.get());
 }
 
-QWidget* Program::makePane(ConsolePane& pane)
+QWidget* Program::makePane(ConsolePane& pane, Theme& look)
 {
     ClaudeChat& chat = *pane.chat();
-    auto* view = new ChatView(chat, m_theme, m_clock, m_files);
+    auto* view = new ChatView(chat, look, m_clock, m_files);
     connect(view, &ChatView::openFileRequested, &m_workspace, &Workspace::openFile);
     connect(view, &ChatView::openUrlRequested, this,
             [this](const QUrl& url) { m_delegate.open({url.toString()}); });

@@ -48,7 +48,7 @@ protected:
 private:
     [[nodiscard]] std::unique_ptr<ClaudeChat> makeChat(const QString& folder,
                                                        const std::optional<QString>& sessionId);
-    [[nodiscard]] QWidget* makePane(ConsolePane& pane);
+    [[nodiscard]] QWidget* makePane(ConsolePane& pane, Theme& look);
     [[nodiscard]] Workspace::Services workspaceServices();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
     void buildWindow();

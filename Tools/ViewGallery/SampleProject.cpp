@@ -177,7 +177,7 @@ ViewServices SampleProject::open(Where where, Theme::System system)
             .zoom = *m_zoom,
             .role = where == Where::Home ? WindowLayout::Role::HomeApplication
                                          : WindowLayout::Role::FolderApplication,
-            .makePane = [](ConsolePane&) { return new QWidget; }};
+            .makePane = [](ConsolePane&, Theme&) { return new QWidget; }};
 }
 
 void SampleProject::openTabs()

@@ -8,6 +8,7 @@ namespace Bralto {
 namespace {
 
 constexpr double BrightStep = 0.12;
+constexpr double RaisedStep = 0.03;
 
 std::array<QColor, 8> brightened(const std::array<QColor, 8>& colors, bool dark)
 {
@@ -57,6 +58,35 @@ PaneColors paneColors(const PaneTheme& theme, const Tokens& tokens)
             .isDark = dark,
             .ansi = ansi,
             .bright = brightened(ansi, dark)};
+}
+
+Tokens paneTokens(const PaneTheme& theme, const Tokens& tokens)
+{
+    if (!theme.background || !theme.foreground || !theme.accent)
+        return tokens;
+    const PaneColors colors = paneColors(theme, tokens);
+    Tokens result({.dark = colors.isDark,
+                   .accent = Ink::rgb(colors.accentInk),
+                   .frame = {Ink::rgb(tokens.frame.stops[0]), Ink::rgb(tokens.frame.stops[1]),
+                             Ink::rgb(tokens.frame.stops[2])},
+                   .grain = tokens.frame.grain});
+    result.frame = tokens.frame;
+    result.sheetEdge = tokens.sheetEdge;
+    result.sheet = colors.background;
+    result.terminal = colors.background;
+    result.raised = Ink::over(Ink::faded(colors.foreground, RaisedStep), colors.background);
+    result.field = result.raised;
+    result.label = colors.foreground;
+    result.ink2 = colors.ink2;
+    result.ink3 = colors.ink3;
+    result.ink4 = Ink::faded(colors.foreground, double(result.ink4.alphaF()));
+    result.separator = colors.separator;
+    result.separatorFaint = Ink::faded(colors.foreground, double(colors.separator.alphaF()) / 2);
+    result.hover = colors.hover;
+    result.pressed = colors.pressed;
+    result.selection = colors.selection;
+    result.accentInk = colors.accentInk;
+    return result;
 }
 
 } // namespace Bralto

@@ -31,4 +31,7 @@ struct PaneColors {
 /// What a pane of that theme looks like in a window. A theme without colours takes the window's.
 [[nodiscard]] PaneColors paneColors(const PaneTheme& theme, const Tokens& tokens);
 
+/// The tokens for everything in a pane of that theme; a window's own tokens without its colours.
+[[nodiscard]] Tokens paneTokens(const PaneTheme& theme, const Tokens& tokens);
+
 } // namespace Bralto
