@@ -157,14 +157,32 @@ Menu BraltoCommands::terminalMenu() const
 {
     Workspace& workspace = m_services.workspace;
     TerminalPanel& terminal = workspace.terminal();
+    const TerminalGroup* group = terminal.activeGroup();
+    ConsolePane* pane = group ? group->focusedPane() : nullptr;
+    const bool isChat = pane && pane->chat();
+    const bool canSwap = pane && pane->isClaude() && !pane->isSwapping();
 
     Menu menu{QStringLiteral("Terminal"), {}};
     menu.items.push_back(item(
         Command::ToggleTerminal, Enabled::Yes,
         [&terminal] { terminal.isVisible() ? terminal.hide() : terminal.show(); },
         on(terminal.isVisible())));
+    menu.items.push_back(item(Command::NewClaudeBeside, Enabled::Yes,
+                              [&terminal] { terminal.addPane(PaneKind::Claude); }));
     menu.items.push_back(item(Command::NewClaudeChat, when(workspace.root() != nullptr),
                               [&terminal] { terminal.addPane(PaneKind::Chat); }));
+    menu.items.push_back(item(Command::NewShellBeside, Enabled::Yes,
+                              [&terminal] { terminal.addPane(PaneKind::Shell); }));
+    menu.items.push_back(item(Command::NewTerminalTab, Enabled::Yes,
+                              [&terminal] { terminal.newTab(std::nullopt); }));
+    menu.items.push_back(separator());
+    menu.items.push_back(item(
+        Command::ToggleChatView, when(canSwap), [&terminal, pane] { terminal.toggleView(pane); },
+        on(isChat)));
+    menu.items.push_back(item(Command::StylePane, when(pane && terminal.isVisible()), [pane] {
+        if (pane)
+            pane->setEditingStyle(!pane->isEditingStyle());
+    }));
     menu.items.push_back(separator());
     menu.items.push_back(item(Command::KillTerminal, when(terminal.hasPanes()),
                               [&terminal] { terminal.closeFocused(); }));

@@ -6,13 +6,18 @@
 #include "Base/ShellQuote.h"
 #include "Base/SpaceIdentity.h"
 #include "Launch/Demo.h"
+#include "Platform/LocalPaneProcess.h"
 #include "Platform/MainBundle.h"
 #include "Views/Chat/ChatView.h"
+#include "Views/Terminal/TerminalInput.h"
+#include "Views/Terminal/TerminalView.h"
 #include "Workspace/ZoomTarget.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDBusConnection>
 #include <QFileInfo>
+#include <QPointer>
 #include <QProcessEnvironment>
 
 namespace Bralto {
@@ -55,9 +60,11 @@ Program::Program(QApplication& application, const LaunchRole& role)
                  {m_paths, role, QProcessEnvironment::systemEnvironment().toStringList(),
                   Demo::isActive(qEnvironmentVariable("BRALTO_DEMO"), QCoreApplication::arguments(),
                                  role, m_defaults.shared)})
+    , m_terminalHost(m_chatHost, m_defaults.shared,
+                     QProcessEnvironment::systemEnvironment().toStringList())
+    , m_motion(m_scheduler)
     , m_workspace(workspaceServices(), Workspace::RestoreSession::Yes)
     , m_zoom(m_defaults.shared)
-    , m_motion(m_scheduler)
     , m_commands(
           {m_workspace, m_zoom, [this] { return focusedZoomArea(); },
            role.isFolderApp() ? std::function<void()>([this] { m_spaceApps.openHome(); }) : nullptr,
@@ -98,21 +105,31 @@ Workspace::Services Program::workspaceServices()
         m_homeDefaults.emplace(m_paths.preferences(), QLatin1String(SpaceIdentity::HomeIdentifier));
         legacy = &*m_homeDefaults;
     }
-    return {m_defaults,
-            *legacy,
-            m_paths,
-            m_scheduler,
-            m_clock,
-            m_dialogs,
-            m_desktop,
-            m_projects,
-            m_versionControl,
-            m_focus,
-            [this](const QString& folder, const std::optional<QString>& sessionId) {
+    return {m_defaults,      *legacy,       m_paths,           m_scheduler,      m_clock,
+            m_dialogs,       m_desktop,     m_projects,        m_versionControl, m_focus,
+            panelServices(), m_role.folder, Pages::Unavailable};
+}
+
+TerminalPanel::Services Program::panelServices()
+{
+    return {[this](const QString& folder, const std::optional<QString>& sessionId) {
                 return makeChat(folder, sessionId);
             },
-            m_role.folder,
-            Pages::Unavailable};
+            [this](const TerminalSession::Start& start) { return makeSession(start); },
+            m_defaults.shared,
+            m_motion,
+            m_scheduler,
+            [this](const QString& pane) { m_terminalHost.clearAttention(pane); }};
+}
+
+std::unique_ptr<TerminalSession> Program::makeSession(const TerminalSession::Start& start)
+{
+    return std::make_unique<TerminalSession>(
+        start, TerminalSession::Services{m_terminalHost, m_processes, m_scheduler, m_clock,
+                                         [this](Kovalt::LocalProcessDelegate& delegate) {
+                                             return std::make_unique<LocalPaneProcess>(delegate,
+                                                                                       m_runLoop);
+                                         }});
 }
 
 std::unique_ptr<ClaudeChat> Program::makeChat(const QString& folder,
@@ -139,20 +156,75 @@ void Program::buildWindow()
     m_window->setMinimumSize(SmallestSize);
     m_window->resize(DefaultSize);
     m_dialogs.setWindow(m_window.get());
-    m_window->setContent(
-        new RootView({m_workspace, m_theme, m_desktop, m_defaults, m_clock, m_motion, m_zoom,
-                      m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
-                                           : WindowLayout::Role::HomeApplication,
-                      [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }},
-                     nullptr));
+    m_window->setContent(new RootView(viewServices(), nullptr));
     m_window->setMenu((new CommandMenu(m_commands, m_window.get()))->menu());
     m_window->installEventFilter(this);
     new FirstFrame(m_window.get());
 }
 
+ViewServices Program::viewServices()
+{
+    return {m_workspace,
+            m_theme,
+            m_desktop,
+            m_defaults,
+            m_clock,
+            m_motion,
+            m_zoom,
+            m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
+                                 : WindowLayout::Role::HomeApplication,
+            [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); },
+            &Program::paneHooks};
+}
+
 QWidget* Program::makePane(ConsolePane& pane, Theme& look)
 {
-    ClaudeChat& chat = *pane.chat();
+    TerminalSession* session = pane.terminal();
+    return session ? makeTerminalView(pane, *session) : makeChatView(*pane.chat(), look);
+}
+
+QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
+{
+    auto* view = new TerminalView(viewServices(), session);
+    connect(&view->input(), &TerminalInput::urlActivated, this,
+            [this](const QString& url) { m_delegate.open({url}); });
+    // The pane around the view has the menu.
+    connect(&view->input(), &TerminalInput::contextMenuRequested, view, [view](const QPoint& at) {
+        QContextMenuEvent event(QContextMenuEvent::Other, view->mapFromGlobal(at), at);
+        QApplication::sendEvent(view->parentWidget(), &event);
+    });
+    connect(&view->input(), &TerminalInput::fileActivated, &m_workspace,
+            [this](const QString& path) { m_workspace.openFile(path); });
+    const auto applyStyle = [view, &pane] { view->setStyle(pane.style()); };
+    connect(&pane, &ConsolePane::styleChanged, view, applyStyle);
+    applyStyle();
+    const auto applyZoom = [this, view] { view->setZoom(m_zoom.level(Zoom::Area::Terminal)); };
+    connect(&m_zoom, &Zoom::changed, view, applyZoom);
+    applyZoom();
+    return view;
+}
+
+PaneMenu::Hooks Program::paneHooks(QWidget& content)
+{
+    auto* view = qobject_cast<TerminalView*>(&content);
+    if (!view)
+        return {};
+    const QPointer<TerminalInput> input(&view->input());
+    return {.canCopy = [input] { return input && input->canCopy(); },
+            .copy =
+                [input] {
+                    if (input)
+                        input->copy();
+                },
+            .paste =
+                [input] {
+                    if (input)
+                        input->paste();
+                }};
+}
+
+QWidget* Program::makeChatView(ClaudeChat& chat, Theme& look)
+{
     auto* view = new ChatView(chat, look, m_clock, m_files);
     connect(view, &ChatView::openFileRequested, &m_workspace, &Workspace::openFile);
     connect(view, &ChatView::openUrlRequested, this,

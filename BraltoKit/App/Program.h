@@ -9,8 +9,11 @@
 #include "Chat/ChatFileIndex.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
+#include "Platform/ProcProcessInspector.h"
 #include "Platform/ProcessDefaults.h"
 #include "Platform/ProgramChatHost.h"
+#include "Platform/ProgramTerminalHost.h"
+#include "Platform/QtRunLoop.h"
 #include "Platform/QtScheduler.h"
 #include "Platform/SessionApplications.h"
 #include "Platform/SystemClock.h"
@@ -48,7 +51,13 @@ protected:
 private:
     [[nodiscard]] std::unique_ptr<ClaudeChat> makeChat(const QString& folder,
                                                        const std::optional<QString>& sessionId);
+    [[nodiscard]] std::unique_ptr<TerminalSession> makeSession(const TerminalSession::Start& start);
+    [[nodiscard]] TerminalPanel::Services panelServices();
+    [[nodiscard]] ViewServices viewServices();
     [[nodiscard]] QWidget* makePane(ConsolePane& pane, Theme& look);
+    [[nodiscard]] static PaneMenu::Hooks paneHooks(QWidget& content);
+    [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat, Theme& look);
+    [[nodiscard]] QWidget* makeTerminalView(ConsolePane& pane, TerminalSession& session);
     [[nodiscard]] Workspace::Services workspaceServices();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
     void buildWindow();
@@ -79,9 +88,12 @@ private:
     ChildProcessLauncher m_agents;
     ChatCommandMemory m_commandMemory;
     ChatFileIndex m_files;
+    QtRunLoop m_runLoop;
+    ProcProcessInspector m_processes;
+    ProgramTerminalHost m_terminalHost;
+    Motion m_motion;
     Workspace m_workspace;
     Zoom m_zoom;
-    Motion m_motion;
     BraltoCommands m_commands;
     AppDelegate m_delegate;
     QuitSignals m_signals;

@@ -19,6 +19,7 @@ namespace Bralto {
 
 namespace {
 
+using Kovalt::FileDescriptor;
 using ProcessGuardian::Order;
 using ProcessGuardian::Report;
 
@@ -48,7 +49,7 @@ private:
 };
 
 struct Pair {
-    Descriptor ours, theirs;
+    FileDescriptor ours, theirs;
 };
 
 /// A pipe; `ours` is the end that the program keeps.
@@ -59,8 +60,8 @@ bool open(Pair& pair, Direction direction)
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
         return false;
     const bool toChild = direction == Direction::ToChild;
-    pair.ours = Descriptor(ends[toChild ? 1 : 0]);
-    pair.theirs = Descriptor(ends[toChild ? 0 : 1]);
+    pair.ours = FileDescriptor(ends[toChild ? 1 : 0]);
+    pair.theirs = FileDescriptor(ends[toChild ? 0 : 1]);
     // Only our end: the child's is another open file and stays as children expect it.
     return fcntl(pair.ours.get(), F_SETFL, O_NONBLOCK) == 0;
 }
@@ -70,8 +71,8 @@ bool openControl(Pair& pair)
     std::array<int, 2> ends{-1, -1};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return false;
-    pair.ours = Descriptor(ends[0]);
-    pair.theirs = Descriptor(ends[1]);
+    pair.ours = FileDescriptor(ends[0]);
+    pair.theirs = FileDescriptor(ends[1]);
     return true;
 }
 
@@ -145,8 +146,8 @@ ChildProcessLauncher::launch(const AgentLaunch& launch, AgentPipes pipes)
     if (!open(input, Direction::ToChild) || !open(output, Direction::FromChild) ||
         !open(errors, Direction::FromChild) || !openControl(control))
         return Unexpected{systemText(errno)};
-    Descriptor wake = ChildStreams::makeWake();
-    if (!wake)
+    FileDescriptor wake = ChildStreams::makeWake();
+    if (!wake.isOpen())
         return Unexpected{systemText(errno)};
 
     ProcessGuardian::Plan plan;
@@ -162,7 +163,7 @@ ChildProcessLauncher::launch(const AgentLaunch& launch, AgentPipes pipes)
     if (guardian < 0)
         return Unexpected{systemText(errno)};
     for (Pair* pair : {&input, &output, &errors, &control})
-        pair->theirs.close();
+        pair->theirs.reset();
 
     const Report report = firstReport(control.ours.get());
     if (report.kind != Report::Kind::Started) {

@@ -19,6 +19,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+using Kovalt::FileDescriptor;
+
 using Clock = std::chrono::steady_clock;
 
 constexpr qsizetype ReadSize = 64 * 1024; // What a pipe holds.
@@ -45,9 +47,9 @@ ChildStreams::ChildStreams(Ends ends, pid_t guardian, AgentPipes pipes)
 {
 }
 
-Descriptor ChildStreams::makeWake()
+Kovalt::FileDescriptor ChildStreams::makeWake()
 {
-    return Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    return FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
 }
 
 bool ChildStreams::start(const std::shared_ptr<ChildStreams>& streams)
@@ -127,14 +129,15 @@ void ChildStreams::waitForInput()
         readReport();
 }
 
-void ChildStreams::readPipe(Descriptor& pipe, const std::function<void(std::string_view)>& deliver)
+void ChildStreams::readPipe(FileDescriptor& pipe,
+                            const std::function<void(std::string_view)>& deliver)
 {
     const ssize_t length = ::read(pipe.get(), m_buffer.data(), std::size_t(m_buffer.size()));
     if (length > 0) {
         deliver(std::string_view(m_buffer.constData(), std::size_t(length)));
         m_deadline.reset(); // However long the receiver took, there may be more.
     } else if (length == 0 || (errno != EAGAIN && errno != EINTR)) {
-        pipe.close();
+        pipe.reset();
     }
 }
 
@@ -158,12 +161,12 @@ void ChildStreams::readReport()
 
 void ChildStreams::reportEnds()
 {
-    const bool outputEnded = !m_ends.output && !m_outputReported;
+    const bool outputEnded = !m_ends.output.isOpen() && !m_outputReported;
     if (m_abandoned || !(outputEnded || m_exitStatus))
         return;
     if (!m_deadline)
         m_deadline = Clock::now() + EndsTogether;
-    const bool complete = m_exitStatus && !m_ends.output && !m_ends.errors;
+    const bool complete = m_exitStatus && !m_ends.output.isOpen() && !m_ends.errors.isOpen();
     if (!complete && Clock::now() < *m_deadline)
         return;
     m_deadline.reset();
@@ -173,7 +176,7 @@ void ChildStreams::reportEnds()
     }
     if (!m_outputReported && !m_abandoned) {
         m_outputReported = true;
-        m_ends.output.close();
+        m_ends.output.reset();
         m_pipes.outputEnded();
     }
 }
@@ -182,8 +185,8 @@ void ChildStreams::collectGuardian()
 {
     closeInput();
     // Nobody listens any more: a child that still writes must not wait for that.
-    m_ends.output.close();
-    m_ends.errors.close();
+    m_ends.output.reset();
+    m_ends.errors.reset();
     while (waitpid(m_guardian, nullptr, 0) < 0 && errno == EINTR) {
     }
     m_running = false;
@@ -207,7 +210,7 @@ void ChildStreams::runWriter()
         if (!writeAll(bytes))
             break;
     }
-    m_ends.input.close();
+    m_ends.input.reset();
     const std::lock_guard lock(m_mutex);
     m_inputClosing = true;
     m_queue.clear();

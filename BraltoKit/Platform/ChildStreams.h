@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Chat/AgentProcess.h"
-#include "Platform/Descriptor.h"
+#include "Kovalt/Process/FileDescriptor.h"
 
 #include <QByteArray>
 
@@ -20,17 +20,17 @@ namespace Bralto {
 class ChildStreams {
 public:
     struct Ends {
-        Descriptor input;   ///< To the child, non-blocking.
-        Descriptor output;  ///< From the child, non-blocking.
-        Descriptor errors;  ///< From the child, non-blocking.
-        Descriptor control; ///< The socket of the guardian.
-        Descriptor wake;    ///< From `makeWake`.
+        Kovalt::FileDescriptor input;   ///< To the child, non-blocking.
+        Kovalt::FileDescriptor output;  ///< From the child, non-blocking.
+        Kovalt::FileDescriptor errors;  ///< From the child, non-blocking.
+        Kovalt::FileDescriptor control; ///< The socket of the guardian.
+        Kovalt::FileDescriptor wake;    ///< From `makeWake`.
     };
 
     ChildStreams(Ends ends, pid_t guardian, AgentPipes pipes);
 
     /// What ends both threads; empty with `errno` set if the system has none.
-    [[nodiscard]] static Descriptor makeWake();
+    [[nodiscard]] static Kovalt::FileDescriptor makeWake();
 
     /// Starts the threads of `streams`, once. Without them the child is let go, and this is false.
     [[nodiscard]] static bool start(const std::shared_ptr<ChildStreams>& streams);
@@ -50,7 +50,8 @@ private:
     void runWriter();
 
     void waitForInput();
-    void readPipe(Descriptor& pipe, const std::function<void(std::string_view)>& deliver);
+    void readPipe(Kovalt::FileDescriptor& pipe,
+                  const std::function<void(std::string_view)>& deliver);
     void readReport();
     void reportEnds();
     void collectGuardian();

@@ -3,9 +3,10 @@
 #include <QString>
 #include <QStringList>
 
-#include <optional>
-
 #include <sys/types.h>
+
+#include <optional>
+#include <vector>
 
 namespace Bralto {
 

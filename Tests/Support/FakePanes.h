@@ -18,11 +18,15 @@ namespace Bralto {
 /// The program of a pane that does what a test says.
 class FakePaneProcess final : public PaneProcess {
 public:
-    explicit FakePaneProcess(Kovalt::LocalProcessDelegate& delegate, pid_t pid)
+    FakePaneProcess(Kovalt::LocalProcessDelegate& delegate, pid_t pid,
+                    std::vector<FakePaneProcess*>& living)
         : m_delegate(delegate)
         , m_pid(pid)
+        , m_living(living)
     {
+        living.push_back(this);
     }
+    ~FakePaneProcess() override { std::erase(m_living, this); }
 
     void start(const Kovalt::ProcessStart& start) override
     {
@@ -65,6 +69,7 @@ private:
     NoLoop m_loop;
     Kovalt::LocalProcess m_source{m_delegate, m_loop}; ///< Never started: names who tells.
     pid_t m_pid;
+    std::vector<FakePaneProcess*>& m_living;
     bool m_isRunning = false;
 };
 
@@ -142,9 +147,8 @@ public:
                 .scheduler = chats.scheduler,
                 .clock = chats.clock,
                 .makeProcess = [this](Kovalt::LocalProcessDelegate& delegate) {
-                    auto made = std::make_unique<FakePaneProcess>(delegate, ++m_lastPid);
+                    auto made = std::make_unique<FakePaneProcess>(delegate, ++m_lastPid, processes);
                     made->starts = shellsStart;
-                    processes.push_back(made.get());
                     return made;
                 }};
     }
@@ -164,13 +168,21 @@ public:
     /// The process that was made last.
     [[nodiscard]] FakePaneProcess& process() const { return *processes.back(); }
 
+    [[nodiscard]] FakePaneProcess& processOf(const TerminalSession& session) const
+    {
+        const std::string pane = "PANE=" + session.paneId().toStdString();
+        return **std::ranges::find_if(processes, [&pane](const FakePaneProcess* process) {
+            return process->started->environment->front() == pane;
+        });
+    }
+
     ChatMaker chats;
     FakeTerminalHost host;
     FakeProcessInspector inspector;
     MemoryDefaultsStore shared;
     Motion motion{chats.scheduler};
     bool shellsStart = true;
-    std::vector<FakePaneProcess*> processes; ///< All ever made; those of gone panes dangle.
+    std::vector<FakePaneProcess*> processes; ///< Those that live, the newest last.
 
 private:
     pid_t m_lastPid = 1000;

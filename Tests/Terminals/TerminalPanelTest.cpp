@@ -461,6 +461,47 @@ TEST_F(TerminalPanelTest, AListenerMayCloseTheNextTabWhileOneCloses)
     EXPECT_EQ(panel.activeGroup(), group(0));
 }
 
+TEST_F(TerminalPanelTest, AShellThatEndsTakesItsPaneAndTheLastOneThePanel)
+{
+    panel.newTab(std::nullopt);
+    FakePaneProcess& first = panes.process();
+    panel.addPane(PaneKind::Shell);
+    FakePaneProcess& second = panes.process();
+
+    first.end();
+    ASSERT_EQ(group(0)->panes().size(), 1U);
+    EXPECT_TRUE(panel.isVisible());
+
+    second.end();
+    EXPECT_FALSE(panel.hasPanes());
+    EXPECT_FALSE(panel.isVisible());
+}
+
+TEST_F(TerminalPanelTest, ClosingATerminalPaneEndsItsShell)
+{
+    panel.newTab(std::nullopt);
+    FakePaneProcess& shell = panes.process();
+
+    panel.closeFocused();
+
+    EXPECT_EQ(shell.terminations, 1);
+    EXPECT_FALSE(panel.hasPanes());
+}
+
+TEST_F(TerminalPanelTest, ANewPaneLooksAsTheUserWantsNewPanesToLook)
+{
+    const PaneStyle ocean{"ocean", std::nullopt, 14.0};
+    PaneStyle::setNewPaneDefault(panes.shared, ocean);
+
+    panel.newTab(std::nullopt);
+    panel.resumeClaude(QUuid::fromString(SessionA));
+    panel.adoptChats({SessionB});
+
+    EXPECT_EQ(pane(0, 0)->style(), ocean);
+    EXPECT_EQ(pane(0, 1)->style(), ocean);
+    EXPECT_EQ(pane(1, 0)->style(), PaneStyle());
+}
+
 // --- focus
 
 TEST_F(TerminalPanelTest, CyclingWithTwoTabsNeverVisitsTheSecondPaneOfATab)
@@ -522,9 +563,9 @@ TEST_F(TerminalPanelTest, MarkingChangesTheModelAndAsksForNothing)
 
 // --- names
 
-TEST_F(TerminalPanelTest, APaneIsCalledByItsNameElseByItsConversation)
+TEST_F(TerminalPanelTest, AChatIsCalledByItsNameElseByItsConversation)
 {
-    panel.show();
+    panel.addPane(PaneKind::Chat);
     ConsolePane* only = pane(0, 0);
     const QSignalSpy labels(only, &ConsolePane::labelChanged);
     const QSignalSpy titles(group(0), &TerminalGroup::titleChanged);
@@ -538,6 +579,24 @@ TEST_F(TerminalPanelTest, APaneIsCalledByItsNameElseByItsConversation)
     EXPECT_EQ(only->label(), "Explain the build");
     EXPECT_EQ(labels.count(), 3);
     EXPECT_EQ(titles.count(), 3);
+}
+
+TEST_F(TerminalPanelTest, AShellIsCalledByWhatItsTerminalSaysAndAClaudeTerminalIsNot)
+{
+    panel.newTab(std::nullopt);
+    EXPECT_EQ(pane(0, 0)->label(), "zsh");
+    const QSignalSpy labels(pane(0, 0), &ConsolePane::labelChanged);
+
+    panes.process().write("\x1b]2; make \x07");
+    EXPECT_EQ(pane(0, 0)->label(), "make");
+    panes.process().write("\x1b]2;   \x07");
+    EXPECT_EQ(pane(0, 0)->label(), "make");
+    EXPECT_EQ(labels.count(), 1);
+
+    panel.addPane(PaneKind::Claude);
+    panes.process().write("\x1b]2;working\x07");
+    EXPECT_EQ(pane(0, 1)->label(), "Claude");
+    EXPECT_TRUE(group(0)->containsClaude());
 }
 
 TEST_F(TerminalPanelTest, ATabIsCalledByItsNameElseByItsPanesEachOnce)
