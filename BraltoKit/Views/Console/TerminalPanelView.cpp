@@ -149,11 +149,11 @@ void TerminalPanelView::focusPane(const ConsolePane* pane)
 
 void TerminalPanelView::followKeyboard(const QWidget* focus)
 {
-    const TerminalGroup* group = m_panel.activeGroup();
-    const ConsolePane* pane = group ? group->focusedPane() : nullptr;
-    const PaneView* view = pane ? m_views.value(pane->id()) : nullptr;
-    const bool inTerminal = focus && view && pane->terminal() &&
-                            (view->content() == focus || view->content()->isAncestorOf(focus));
+    const bool inTerminal = std::ranges::any_of(m_views, [this, focus](const PaneView* view) {
+        const ConsolePane* pane = m_panel.pane(view->paneId());
+        return pane && pane->terminal() && focus &&
+               (view->content() == focus || view->content()->isAncestorOf(focus));
+    });
     m_head->setKeyboard(inTerminal ? Shortcuts::Keyboard::InTerminal
                                    : Shortcuts::Keyboard::Elsewhere);
 }
