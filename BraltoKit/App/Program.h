@@ -54,8 +54,9 @@ private:
     [[nodiscard]] std::unique_ptr<TerminalSession> makeSession(const TerminalSession::Start& start);
     [[nodiscard]] TerminalPanel::Services panelServices();
     [[nodiscard]] ViewServices viewServices();
-    [[nodiscard]] QWidget* makePane(ConsolePane& pane);
-    [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat);
+    [[nodiscard]] QWidget* makePane(ConsolePane& pane, Theme& look);
+    [[nodiscard]] static PaneMenu::Hooks paneHooks(QWidget& content);
+    [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat, Theme& look);
     [[nodiscard]] QWidget* makeTerminalView(ConsolePane& pane, TerminalSession& session);
     [[nodiscard]] Workspace::Services workspaceServices();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
