@@ -31,12 +31,13 @@ while [ $# -gt 0 ]; do
 done
 
 install_packages
+targets=(Bralto BraltoDesktop BundledDemoAgent kovalt)
 [ -d build/release/Bralto.app ] || echo "Building Bralto; the first time takes some minutes." >&2
 if [ -t 1 ]; then
-    build_preset release Bralto BraltoDesktop BundledDemoAgent kovalt
+    build_preset release "${targets[@]}"
 else
     log=$(mktemp)
-    build_preset release Bralto BraltoDesktop BundledDemoAgent kovalt >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    build_preset release "${targets[@]}" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
     rm -f "$log"
 fi
 

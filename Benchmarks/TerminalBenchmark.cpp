@@ -147,11 +147,11 @@ void emptyTerminal(benchmark::State& state)
 BENCHMARK(emptyTerminal)->Iterations(1);
 
 /// The time of one change of width, narrower and wider in turn, of 100,000 rows.
-void reflow(benchmark::State& state, const std::string& text)
+void reflow(benchmark::State& state, std::string (*makeText)())
 {
     Silent silent;
     const auto terminal = makeTerminal(silent, 100'000);
-    terminal->feed(text);
+    terminal->feed(makeText());
     bool isNarrow = false;
     for (auto _ : state) {
         isNarrow = !isNarrow;
@@ -170,11 +170,12 @@ int main(int argc, char** argv)
             ->Unit(benchmark::kMillisecond)
             ->UseManualTime()
             ->Iterations(5);
-    benchmark::RegisterBenchmark("reflow/fullRows", reflow, fullRows(100'000))
+    benchmark::RegisterBenchmark(
+        "reflow/fullRows", reflow, +[] { return fullRows(100'000); })
         ->Unit(benchmark::kMillisecond)
         ->Iterations(10);
-    benchmark::RegisterBenchmark("reflow/paragraphs", reflow,
-                                 makeStream(terminalStreams()[1], 9'000'000))
+    benchmark::RegisterBenchmark(
+        "reflow/paragraphs", reflow, +[] { return makeStream(terminalStreams()[1], 9'000'000); })
         ->Unit(benchmark::kMillisecond)
         ->Iterations(10);
     benchmark::Initialize(&argc, argv);

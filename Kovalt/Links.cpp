@@ -2,6 +2,7 @@
 
 #include "Kovalt/HyperlinkPayload.h"
 #include "Kovalt/LinkDetection.h"
+#include "Kovalt/LogicalLine.h"
 #include "Kovalt/TinyAtom.h"
 
 #include <algorithm>
@@ -9,13 +10,6 @@
 namespace Kovalt {
 
 namespace {
-
-bool isWrapped(const Buffer& buffer, int row)
-{
-    const BufferLine* const line =
-        row > 0 && row < buffer.lines().count() ? buffer.lines().peek(row) : nullptr;
-    return line && line->isWrapped();
-}
 
 /// Whether the last cell of a row is the gap that a wide character left which did not fit.
 bool endsInGap(const Buffer& buffer, int row)
@@ -29,7 +23,7 @@ std::optional<Position> previousCell(const Buffer& buffer, Position cell)
 {
     if (cell.col > 0)
         return Position{cell.col - 1, cell.row};
-    if (!isWrapped(buffer, cell.row))
+    if (!LogicalLine::continues(buffer, cell.row))
         return std::nullopt;
     const int gap = endsInGap(buffer, cell.row - 1) ? 1 : 0;
     return Position{std::max(buffer.cols() - 1 - gap, 0), cell.row - 1};
@@ -37,7 +31,7 @@ std::optional<Position> previousCell(const Buffer& buffer, Position cell)
 
 std::optional<Position> nextCell(const Buffer& buffer, Position cell)
 {
-    const bool continues = isWrapped(buffer, cell.row + 1);
+    const bool continues = LogicalLine::continues(buffer, cell.row + 1);
     const int gap = continues && endsInGap(buffer, cell.row) ? 1 : 0;
     if (cell.col + 1 < buffer.cols() - gap)
         return Position{cell.col + 1, cell.row};
@@ -72,9 +66,7 @@ public:
         : m_buffer(buffer)
         , m_graphemes(graphemes)
     {
-        // The right half of a wide character means the character.
-        while (position.col > 0 && buffer.getCharAtBufferRelative(position).width == 0)
-            --position.col;
+        position = LogicalLine::leadOf(buffer, position);
         const Position start = startFor(position);
         for (std::optional<Position> cell = start; cell && text.size() < Most;
              cell = nextCell(buffer, *cell)) {

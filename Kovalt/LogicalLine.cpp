@@ -8,11 +8,6 @@ namespace Kovalt {
 
 namespace {
 
-const BufferLine* lineAt(const Buffer& buffer, int row)
-{
-    return row >= 0 && row < buffer.lines().count() ? buffer.lines().peek(row) : nullptr;
-}
-
 /// Where the characters of a row end for those who go through the line.
 int endOf(const Buffer& buffer, int row)
 {
@@ -29,7 +24,7 @@ bool isRightHalf(const Buffer& buffer, Position position)
 
 bool LogicalLine::continues(const Buffer& buffer, int row)
 {
-    const BufferLine* const line = row > 0 ? lineAt(buffer, row) : nullptr;
+    const BufferLine* const line = row > 0 ? rowAt(buffer, row) : nullptr;
     return line && line->isWrapped();
 }
 
@@ -49,13 +44,13 @@ int LogicalLine::lastRow(const Buffer& buffer, int row)
 
 int LogicalLine::length(const Buffer& buffer, int row)
 {
-    const BufferLine* const line = lineAt(buffer, row);
+    const BufferLine* const line = rowAt(buffer, row);
     return line ? line->getTrimmedLength() : 0;
 }
 
 int LogicalLine::lengthWithoutBlanks(const Buffer& buffer, int row)
 {
-    const BufferLine* const line = lineAt(buffer, row);
+    const BufferLine* const line = rowAt(buffer, row);
     if (!line)
         return 0;
     const auto cells = line->live();
@@ -111,7 +106,7 @@ ColumnRange LogicalLine::wholeCharacters(const Buffer& buffer, int row, ColumnRa
 void LogicalLine::appendText(const Buffer& buffer, const GraphemeTable& graphemes, int row,
                              ColumnRange columns, std::string& text)
 {
-    const BufferLine* const line = lineAt(buffer, row);
+    const BufferLine* const line = rowAt(buffer, row);
     const auto cells = line ? line->live() : std::span<const CharData>();
     const int stored = std::min(columns.end, int(cells.size()));
     for (int col = columns.begin; col < stored; ++col) {

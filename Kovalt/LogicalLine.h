@@ -15,6 +15,11 @@ class GraphemeTable;
 /// it they are empty. Nothing is changed or made, untouched rows included.
 namespace LogicalLine {
 
+/// The row; null if it is outside, or if nothing has touched it yet: then it is empty.
+[[nodiscard]] inline const BufferLine* rowAt(const Buffer& buffer, int row)
+{
+    return row >= 0 && row < buffer.lines().count() ? buffer.lines().peek(row) : nullptr;
+}
 /// Whether the row continues the one above. The oldest row of the ring never does.
 [[nodiscard]] bool continues(const Buffer& buffer, int row);
 /// The first and the last row of the line that holds this one.

@@ -1,5 +1,7 @@
 #include "Kovalt/PromptClick.h"
 
+#include "Kovalt/LogicalLine.h"
+
 #include <algorithm>
 
 namespace Kovalt {
@@ -8,28 +10,17 @@ namespace {
 
 using Mode = SemanticPromptClickMode;
 
-const BufferLine* lineAt(const Buffer& buffer, int row)
-{
-    return row >= 0 && row < buffer.lines().count() ? buffer.lines().peek(row) : nullptr;
-}
-
-bool isWrapped(const Buffer& buffer, int row)
-{
-    const BufferLine* const line = lineAt(buffer, row);
-    return line && line->isWrapped();
-}
-
 /// Whether the row goes on with the prompt above it.
 bool continuesPrompt(const Buffer& buffer, int row)
 {
-    const BufferLine* const line = lineAt(buffer, row);
+    const BufferLine* const line = LogicalLine::rowAt(buffer, row);
     return line && (line->isWrapped() ||
                     line->semanticHardContinuationGroup() == buffer.semantic.activeGroup);
 }
 
 bool hasMark(const Buffer& buffer, int row, SemanticMark::Kind kind)
 {
-    const BufferLine* const line = lineAt(buffer, row);
+    const BufferLine* const line = LogicalLine::rowAt(buffer, row);
     if (!line)
         return false;
     const auto marks = line->semanticMarks();
@@ -66,9 +57,9 @@ struct InputLine {
 InputLine inputLineAt(const Buffer& buffer, std::pair<int, int> rows, int row)
 {
     InputLine line{row, row};
-    while (line.firstRow > rows.first && isWrapped(buffer, line.firstRow))
+    while (line.firstRow > rows.first && LogicalLine::continues(buffer, line.firstRow))
         --line.firstRow;
-    while (line.lastRow < rows.second && isWrapped(buffer, line.lastRow + 1))
+    while (line.lastRow < rows.second && LogicalLine::continues(buffer, line.lastRow + 1))
         ++line.lastRow;
     return line;
 }

@@ -1,6 +1,8 @@
 // A terminal's life: how it begins, changes its size, and begins again.
 
 #include "Kovalt/Terminal.h"
+
+#include "Kovalt/Ascii.h"
 #include "Kovalt/TerminalTimer.h"
 
 #include <algorithm>
@@ -75,7 +77,7 @@ void Terminal::feed(std::span<const std::uint8_t> bytes) noexcept
 
 void Terminal::feed(std::string_view utf8) noexcept
 {
-    feed(std::span(reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()));
+    feed(Ascii::bytes(utf8));
 }
 
 void Terminal::resize(int cols, int rows)

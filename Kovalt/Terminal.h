@@ -419,9 +419,6 @@ private:
     void cmdRequestPrivateMode(const CsiSequence& sequence);
     void cmdTerminalVersion(const CsiSequence& sequence);
     void cmdRectangleChecksum(const CsiSequence& sequence);
-    /// Who answers a device-control string; null if nobody does.
-    [[nodiscard]] DcsHandler* requestHandler(std::span<const std::uint8_t> collect,
-                                             std::uint8_t code);
 
     // Windows and titles: Sequences/Window.cpp
     void cmdWindowOptions(const CsiSequence& sequence);
@@ -434,7 +431,6 @@ private:
     void popTitles(bool icon, bool window);
 
     // Operating-system commands: Sequences/OperatingSystemCommands*.cpp
-    void dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data);
     void unknownOsc(std::int64_t code) const;
     void oscTitle(std::span<const std::uint8_t> data, void (Terminal::*set)(std::string));
     void oscSetCurrentDirectory(std::span<const std::uint8_t> data);
@@ -533,7 +529,7 @@ private:
     std::optional<std::string> m_hostCurrentDocument;
     SemanticPromptClickBehavior m_promptClickBehavior;
     std::map<std::int64_t, OscHandler> m_oscHandlers;
-    std::unique_ptr<DcsHandler> m_dcsRequest; ///< Made by `requestHandler`.
+    std::unique_ptr<DcsHandler> m_dcsRequest; ///< Made by `dcsHandler`.
     std::vector<TerminalSelection*> m_selections;
 };
 

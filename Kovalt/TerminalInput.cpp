@@ -2,6 +2,8 @@
 
 #include "Kovalt/Terminal.h"
 
+#include "Kovalt/Ascii.h"
+
 #include <algorithm>
 
 namespace Kovalt {
@@ -9,8 +11,7 @@ namespace Kovalt {
 void Terminal::sendResponse(std::string_view bytes)
 {
     if (m_delegate)
-        m_delegate->send(*this,
-                         {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+        m_delegate->send(*this, Ascii::bytes(bytes));
 }
 
 void Terminal::sendCsi(std::string_view body)

@@ -1,6 +1,8 @@
 // Printed text: from bytes to cells.
 
 #include "Kovalt/Terminal.h"
+
+#include "Kovalt/Ascii.h"
 #include "Kovalt/TextScan.h"
 #include "Kovalt/UnicodeUtil.h"
 #include "Kovalt/Utf8.h"
@@ -60,16 +62,11 @@ Decoded decodeFront(std::string_view text)
     return {scalar, length};
 }
 
-std::string_view asText(std::span<const std::uint8_t> bytes)
-{
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 } // namespace
 
 void Terminal::print(std::span<const std::uint8_t> bytes, TextKind kind)
 {
-    const std::string_view text = asText(bytes);
+    const std::string_view text = Ascii::view(bytes);
     Buffer& buffer = *m_buffer;
     updateRange(buffer.y);
     const bool isPlain = kind == TextKind::PrintableAscii && m_print.heldCount == 0 &&
@@ -213,8 +210,7 @@ std::size_t Terminal::printAscii(std::string_view text)
             printCell(first, 1);
         return 1;
     }
-    const std::size_t length =
-        printableAsciiLength({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    const std::size_t length = printableAsciiLength(Ascii::bytes(text));
     if (length == 0)
         return 1;
     if (m_buffer->insertAsciiRun(text.substr(0, length), m_curAttr, m_print.payload) == length) {

@@ -90,6 +90,19 @@ bool Utf8::isValid(std::string_view text)
     return true;
 }
 
+std::string Utf8::withoutControls(std::string_view text)
+{
+    std::string clean;
+    clean.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const char32_t scalar = next(text, position);
+        const bool isControl = scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
+        if (!isControl)
+            append(clean, scalar);
+    }
+    return clean;
+}
+
 std::u32string Utf8::decode(std::string_view text)
 {
     std::u32string scalars;

@@ -17,6 +17,9 @@ void append(std::string& text, char32_t scalar);
 [[nodiscard]] char32_t next(std::string_view text, std::size_t& position);
 /// Whether nothing in the text is malformed.
 [[nodiscard]] bool isValid(std::string_view text);
+/// The text without anything that a program, to which it is sent as if it had been typed, could
+/// take for a key or the beginning of a sequence.
+[[nodiscard]] std::string withoutControls(std::string_view text);
 /// The whole text as scalars.
 [[nodiscard]] std::u32string decode(std::string_view text);
 

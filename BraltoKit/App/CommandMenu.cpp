@@ -1,7 +1,12 @@
 #include "App/CommandMenu.h"
 
+#include "Views/Window/WindowFocus.h"
+
+#include <QApplication>
 #include <QKeySequence>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace Bralto {
 
@@ -29,30 +34,54 @@ QString escaped(QString title)
 CommandMenu::CommandMenu(const BraltoCommands& commands, QWidget* window)
     : QObject(window)
     , m_commands(commands)
+    , m_window(window)
 {
     connect(&m_menu, &QMenu::aboutToShow, this, &CommandMenu::fill);
-    addShortcuts(window);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget*, const QWidget* now) { followKeyboard(now); });
+    addShortcuts();
+    followKeyboard(QApplication::focusWidget());
 }
 
-void CommandMenu::addShortcuts(QWidget* window)
+void CommandMenu::addShortcuts()
 {
+    const std::vector<Menu> menus = m_commands.menus();
     for (const Shortcuts::Entry& entry : Shortcuts::all()) {
-        const QString keys = Shortcuts::keys(entry.command);
-        if (keys.isEmpty())
+        if (!*entry.keys && !*entry.terminalKeys)
             continue;
-        const std::vector<Menu> menus = m_commands.menus();
         const bool isThere = std::any_of(menus.begin(), menus.end(), [&](const Menu& menu) {
             return find(menu.items, entry.command) != nullptr;
         });
         if (!isThere)
             continue;
-        auto* action = new QAction(window);
-        action->setShortcut(QKeySequence(keys, QKeySequence::PortableText));
+        auto* action = new QAction(m_window);
         action->setShortcutContext(Qt::WindowShortcut);
         connect(action, &QAction::triggered, this,
                 [this, command = entry.command] { run(command); });
-        window->addAction(action);
+        m_window->addAction(action);
+        m_bound.push_back({entry.command, action});
     }
+    bindKeys();
+}
+
+void CommandMenu::bindKeys()
+{
+    for (const Bound& bound : m_bound) {
+        const QString keys = Shortcuts::keys(bound.command, m_keyboard);
+        bound.action->setShortcut(QKeySequence(keys, QKeySequence::PortableText));
+    }
+}
+
+void CommandMenu::followKeyboard(const QWidget* focused)
+{
+    // A window that is not active, and a menu or a question above it, leave the chords as they are.
+    if (!focused || focused->window() != m_window->window())
+        return;
+    const Shortcuts::Keyboard keyboard = WindowFocus::keyboardOf(*focused);
+    if (keyboard == m_keyboard)
+        return;
+    m_keyboard = keyboard;
+    bindKeys();
 }
 
 bool CommandMenu::run(Shortcuts::Command command) const
@@ -93,7 +122,8 @@ void CommandMenu::fillFrom(QMenu& menu, const std::vector<MenuItem>& items)
             }
             // Shown, not bound: the window's own actions hold the keys.
             if (item.command)
-                action->setText(action->text() + u'\t' + Shortcuts::keys(*item.command));
+                action->setText(action->text() + u'\t' +
+                                Shortcuts::keys(*item.command, m_keyboard));
             connect(action, &QAction::triggered, this, [run = item.run] { run(); });
         }
     }

@@ -164,17 +164,18 @@ void Program::buildWindow()
 
 ViewServices Program::viewServices()
 {
-    return {m_workspace,
-            m_theme,
-            m_desktop,
-            m_defaults,
-            m_clock,
-            m_motion,
-            m_zoom,
-            m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
-                                 : WindowLayout::Role::HomeApplication,
-            [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); },
-            &Program::paneHooks};
+    ViewServices services{m_workspace,
+                          m_theme,
+                          m_desktop,
+                          m_defaults,
+                          m_clock,
+                          m_motion,
+                          m_zoom,
+                          m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
+                                               : WindowLayout::Role::HomeApplication,
+                          [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+    services.paneHooks = &Program::paneHooks;
+    return services;
 }
 
 QWidget* Program::makePane(ConsolePane& pane, Theme& look)

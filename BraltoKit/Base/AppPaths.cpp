@@ -31,6 +31,16 @@ QString AppPaths::terminals() const
     return support() + QStringLiteral("/Terminals");
 }
 
+QString AppPaths::bin() const
+{
+    return support() + QStringLiteral("/bin");
+}
+
+QString AppPaths::zsh() const
+{
+    return support() + QStringLiteral("/zsh");
+}
+
 QString AppPaths::applications() const
 {
     return m_home + QStringLiteral("/Applications/Bralto");

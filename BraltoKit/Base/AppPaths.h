@@ -18,6 +18,8 @@ public:
     [[nodiscard]] QString support() const;     ///< Library/Application Support/Bralto
     [[nodiscard]] QString preferences() const; ///< Preferences in the support folder
     [[nodiscard]] QString terminals() const;   ///< Terminals in the support folder
+    [[nodiscard]] QString bin() const;         ///< bin in the support folder: what panes find first
+    [[nodiscard]] QString zsh() const; ///< zsh in the support folder: start-up files of panes
     [[nodiscard]] QString
     applications() const; ///< Applications/Bralto, the bundles of the projects
     [[nodiscard]] QString

@@ -68,8 +68,6 @@ QStringList build(const QStringList& own, const Identity& identity)
         set(environment, QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
     set(environment, QLatin1String(Pane), identity.pane);
     set(environment, QLatin1String(Project), Paths::standardised(identity.project));
-    if (identity.bundleIdentifier)
-        set(environment, QLatin1String(BundleId), *identity.bundleIdentifier);
     return environment;
 }
 

@@ -12,17 +12,21 @@ inline constexpr char Pane[] = "BRALTO_PANE";
 inline constexpr char Project[] = "BRALTO_PROJECT";
 inline constexpr char BundleId[] = "BRALTO_BUNDLE_ID";
 
+/// Where a pane finds what the program puts in its way: the folder of programs, and the user's own
+/// folder of start-up files while zsh reads the program's.
+inline constexpr char Bin[] = "BRALTO_BIN";
+inline constexpr char UserZshDirectory[] = "BRALTO_USER_ZDOTDIR";
+
 /// What a pane is told of itself.
 struct Identity {
     QString pane;    ///< The pane's identifier.
     QString project; ///< The project's folder.
-    /// The identifier of the running bundle; absent outside one.
-    std::optional<QString> bundleIdentifier;
 };
 
-/// The environment of a pane, made from a copy of the program's own: `own` and the result are
-/// "NAME=value", each name once. Variables of an agent or an editor that started the program are
-/// left out, so that an agent in the pane doesn't take itself for a nested one.
+/// The environment of a pane without what its shell is given on top, made from a copy of the
+/// program's own: `own` and the result are "NAME=value", each name once. Variables of an agent or
+/// an editor that started the program are left out, so that an agent in the pane doesn't take
+/// itself for a nested one.
 [[nodiscard]] QStringList build(const QStringList& own, const Identity& identity);
 
 /// `environment` with the variable `name` set to `value`, in its old place if it had one.

@@ -62,9 +62,14 @@ constexpr std::array Table{
     Entry{Copy,               "Copy",                      nullptr,                 "Ctrl+C",           "Ctrl+Shift+C"},
     Entry{Paste,              "Paste",                     nullptr,                 "Ctrl+V",           "Ctrl+Shift+V"},
     Entry{PasteSelection,     "Paste Selection",           nullptr,                 "",                 "Shift+Ins"},
+    Entry{SelectAll,          "Select All",                nullptr,                 "Ctrl+A",           "Ctrl+Shift+A"},
     Entry{Find,               "Find…",                     nullptr,                 "Ctrl+F",           "Ctrl+Shift+F"},
     Entry{ScrollPageUp,       "Scroll Page Up",            nullptr,                 "",                 "Shift+PgUp"},
     Entry{ScrollPageDown,     "Scroll Page Down",          nullptr,                 "",                 "Shift+PgDown"},
+    Entry{ScrollToTop,        "Scroll to Top",             nullptr,                 "",                 "Shift+Home"},
+    Entry{ScrollToBottom,     "Scroll to Bottom",          nullptr,                 "",                 "Shift+End"},
+    Entry{PreviousPrompt,     "Previous Prompt",           nullptr,                 "",                 "Ctrl+Shift+Up"},
+    Entry{NextPrompt,         "Next Prompt",               nullptr,                 "",                 "Ctrl+Shift+Down"},
     // clang-format on
 };
 

@@ -57,9 +57,14 @@ enum class Command {
     Copy,
     Paste,
     PasteSelection,
+    SelectAll,
     Find,
     ScrollPageUp,
     ScrollPageDown,
+    ScrollToTop,
+    ScrollToBottom,
+    PreviousPrompt,
+    NextPrompt,
 };
 
 /// Where the keyboard is. A terminal pane hands plain Ctrl chords to its process, so there the

@@ -2,6 +2,7 @@
 
 #include "Base/PaneEnvironment.h"
 #include "Chat/ChatHistory.h"
+#include "Platform/Programs.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,17 +17,12 @@ constexpr char CommandKey[] = "claudeCommand";
 constexpr char StandardCommand[] = "claude --dangerously-skip-permissions --chrome";
 constexpr qint64 SettingsLimit = 1 << 20; ///< Bytes; no settings file is this large.
 
-bool isProgram(const QString& path)
-{
-    const QFileInfo file(path);
-    return file.isAbsolute() && file.isFile() && file.isExecutable();
-}
-
 } // namespace
 
 ProgramChatHost::ProgramChatHost(Defaults defaults, Surroundings surroundings)
     : m_defaults(defaults)
     , m_surroundings(std::move(surroundings))
+    , m_bridge(m_surroundings.paths, m_surroundings.role)
 {
 }
 
@@ -64,20 +60,17 @@ void ProgramChatHost::ingestRateLimits(const QByteArray&, const QDateTime&) {}
 QString ProgramChatHost::shell() const
 {
     QString zsh = QStringLiteral("/bin/zsh");
-    if (isProgram(zsh))
+    if (Programs::isProgram(zsh))
         return zsh;
     const auto own = PaneEnvironment::value(m_surroundings.environment, QStringLiteral("SHELL"));
-    return own && isProgram(*own) ? *own : QStringLiteral("/bin/sh");
+    return own && Programs::isProgram(*own) ? *own : QStringLiteral("/bin/sh");
 }
 
 QStringList ProgramChatHost::environment(const QString& pane, const QString& project,
-                                         const QString&) const
+                                         const QString& shell) const
 {
-    const LaunchRole& role = m_surroundings.role;
-    PaneEnvironment::Identity identity{pane, project, std::nullopt};
-    if (role.bundlePath.endsWith(QStringLiteral("app")))
-        identity.bundleIdentifier = role.bundleIdentifier;
-    return PaneEnvironment::build(m_surroundings.environment, identity);
+    return m_bridge.configure(PaneEnvironment::build(m_surroundings.environment, {pane, project}),
+                              shell);
 }
 
 bool ProgramChatHost::isDemo() const

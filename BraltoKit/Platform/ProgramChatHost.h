@@ -3,6 +3,7 @@
 #include "Base/AppPaths.h"
 #include "Base/DefaultsStore.h"
 #include "Base/LaunchRole.h"
+#include "Browser/BrowserBridge.h"
 #include "Chat/ChatHost.h"
 
 #include <optional>
@@ -43,6 +44,7 @@ public:
 private:
     Defaults m_defaults;
     Surroundings m_surroundings;
+    BrowserBridge m_bridge;
 };
 
 } // namespace Bralto

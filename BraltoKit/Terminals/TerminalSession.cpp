@@ -271,15 +271,20 @@ void TerminalSession::processTerminated(Kovalt::LocalProcess& /*source*/,
 
 // --- what is kept of it
 
+QString TerminalSession::currentDirectory() const
+{
+    const pid_t shell = m_process->pid();
+    if (!m_process->isRunning() || shell <= 0)
+        return m_startDirectory;
+    return m_services.processes.currentDirectory(shell).value_or(m_startDirectory);
+}
+
 PaneSnapshot TerminalSession::snapshot() const
 {
     PaneSnapshot snapshot;
     const pid_t shell = m_process->pid();
     const bool isRunning = m_process->isRunning() && shell > 0;
-    snapshot.directory = m_startDirectory;
-    if (isRunning)
-        snapshot.directory =
-            m_services.processes.currentDirectory(shell).value_or(m_startDirectory);
+    snapshot.directory = currentDirectory();
     if (m_kind == PaneKind::Claude && isRunning &&
         !m_services.processes.childNames(shell).isEmpty()) {
         snapshot.kind = PaneKind::Claude;

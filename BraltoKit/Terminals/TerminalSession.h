@@ -78,6 +78,8 @@ public:
     /// What hooks know the pane by: the conversation, else the session.
     [[nodiscard]] QString paneId() const { return m_claudeSessionId.value_or(m_id); }
     [[nodiscard]] const QString& startDirectory() const { return m_startDirectory; }
+    /// Where the shell stands now; where it was started once it has gone.
+    [[nodiscard]] QString currentDirectory() const;
     [[nodiscard]] const QString& title() const { return m_title; }
     [[nodiscard]] bool isRunning() const { return m_process->isRunning(); }
 

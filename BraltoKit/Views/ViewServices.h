@@ -3,6 +3,7 @@
 #include "Base/Clock.h"
 #include "Base/DefaultsStore.h"
 #include "Base/Desktop.h"
+#include "Base/KeyboardLayout.h"
 #include "Base/Motion.h"
 #include "Base/Zoom.h"
 #include "Terminals/PaneMenu.h"
@@ -31,6 +32,8 @@ struct ViewServices {
     /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`. The theme is
     /// that of the pane, and outlives what is made.
     std::function<QWidget*(ConsolePane&, Theme&)> makePane;
+    /// Null if nothing is known of the keyboard: then terminals tell no alternate keys.
+    const KeyboardLayout* keyboard = nullptr;
     /// What the menu of a pane does with what `makePane` made; nothing without it.
     std::function<PaneMenu::Hooks(QWidget&)> paneHooks = {};
 };

@@ -215,16 +215,6 @@ void Terminal::apc(std::uint8_t command, std::span<const std::uint8_t>)
         log({"Kovalt: Unknown APC code: ", describe(std::span(&command, 1))});
 }
 
-void Terminal::osc(std::int64_t code, std::span<const std::uint8_t> data)
-{
-    dispatchOsc(code, data);
-}
-
-DcsHandler* Terminal::dcsHandler(std::span<const std::uint8_t> collect, std::uint8_t code)
-{
-    return requestHandler(collect, code);
-}
-
 void Terminal::error(ParsingState& state)
 {
     if (!m_silentLog)

@@ -24,14 +24,6 @@ std::string_view decoded(std::span<const std::uint8_t> data)
     return Utf8::isValid(text) ? text : std::string_view();
 }
 
-std::string withoutControls(std::string_view text)
-{
-    std::string clean;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(clean),
-                 [](char c) { return c >= 0x20 && c != 0x7F; });
-    return clean;
-}
-
 } // namespace
 
 void Terminal::registerOscHandler(std::int64_t code, OscHandler handler)
@@ -42,7 +34,7 @@ void Terminal::registerOscHandler(std::int64_t code, OscHandler handler)
         m_oscHandlers.erase(code);
 }
 
-void Terminal::dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data)
+void Terminal::osc(std::int64_t code, std::span<const std::uint8_t> data)
 {
     if (const auto found = m_oscHandlers.find(code); found != m_oscHandlers.end()) {
         // It may register another in its place.
@@ -152,7 +144,7 @@ void Terminal::oscClipboard(std::span<const std::uint8_t> data)
     if (!m_delegate->isProcessTrusted(*this))
         return;
     if (const auto content = m_delegate->clipboardRead(*this))
-        sendOsc("52;" + withoutControls(request->selection) + ';' + Base64::encode(*content));
+        sendOsc("52;" + Utf8::withoutControls(request->selection) + ';' + Base64::encode(*content));
 }
 
 void Terminal::oscContent(std::span<const std::uint8_t> data)

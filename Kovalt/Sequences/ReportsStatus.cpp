@@ -120,7 +120,7 @@ void Terminal::StatusRequest::answerCapabilities() const
     }
 }
 
-DcsHandler* Terminal::requestHandler(std::span<const std::uint8_t> collect, std::uint8_t code)
+DcsHandler* Terminal::dcsHandler(std::span<const std::uint8_t> collect, std::uint8_t code)
 {
     const auto introducer = Ascii::view(collect);
     if (code != 'q' || (introducer != "$" && introducer != "+"))

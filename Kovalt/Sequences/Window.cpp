@@ -84,21 +84,6 @@ WindowManipulationCommand commandOf(const WindowRow& row, std::span<const std::i
     return command;
 }
 
-/// The text without anything that a program, to which it is sent as if it had been typed, could
-/// take for a key or the beginning of a sequence.
-std::string withoutControls(std::string_view text)
-{
-    std::string clean;
-    clean.reserve(text.size());
-    for (std::size_t position = 0; position < text.size();) {
-        const char32_t scalar = Utf8::next(text, position);
-        const bool isControl = scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
-        if (!isControl)
-            Utf8::append(clean, scalar);
-    }
-    return clean;
-}
-
 void pushBounded(std::vector<std::string>& stack, const std::string& title)
 {
     if (stack.size() >= TitleState::MaximumStack)
@@ -180,7 +165,7 @@ void Terminal::reportWindow(WindowManipulationCommand::Kind kind)
 
 std::string Terminal::titleReport(const std::string& title) const
 {
-    const auto clean = withoutControls(title);
+    const auto clean = Utf8::withoutControls(title);
     return m_titles.queryHex ? Hex::encode(clean) : clean;
 }
 

@@ -5,7 +5,7 @@
 namespace Bralto {
 namespace {
 
-const PaneEnvironment::Identity SomePane{"pane-1", "/home/user/project", std::nullopt};
+const PaneEnvironment::Identity SomePane{"pane-1", "/home/user/project"};
 
 std::optional<QString> built(const QStringList& own, const QString& name)
 {
@@ -53,19 +53,10 @@ TEST(PaneEnvironment, KeepsNamesThatOnlyLookLikeTheRemovedOnes)
 TEST(PaneEnvironment, NamesThePaneAndItsStandardisedProject)
 {
     const QStringList environment =
-        PaneEnvironment::build({"BRALTO_PANE=old"}, {"new", "/home/user/../user/p/", std::nullopt});
+        PaneEnvironment::build({"BRALTO_PANE=old"}, {"new", "/home/user/../user/p/"});
 
     EXPECT_EQ(PaneEnvironment::value(environment, PaneEnvironment::Pane), "new");
     EXPECT_EQ(PaneEnvironment::value(environment, PaneEnvironment::Project), "/home/user/p");
-    EXPECT_FALSE(PaneEnvironment::value(environment, PaneEnvironment::BundleId).has_value());
-}
-
-TEST(PaneEnvironment, NamesTheBundleOnlyIfTheProgramRunsInOne)
-{
-    const QStringList environment =
-        PaneEnvironment::build({}, {"pane", "/p", QString("com.tolvane.bralto")});
-
-    EXPECT_EQ(PaneEnvironment::value(environment, PaneEnvironment::BundleId), "com.tolvane.bralto");
 }
 
 TEST(PaneEnvironment, TakesValuesWithEqualSignsAndEmptyOnesAsTheyAre)

@@ -57,6 +57,20 @@ TEST(Shortcuts, InATerminalAPlainChordGetsShift)
     EXPECT_EQ(Shortcuts::keys(Command::Find, Keyboard::InTerminal), "Ctrl+Shift+F");
 }
 
+TEST(Shortcuts, ATerminalHasCommandsOfItsOwn)
+{
+    EXPECT_EQ(Shortcuts::title(Command::PreviousPrompt), "Previous Prompt");
+    EXPECT_EQ(Shortcuts::title(Command::NextPrompt), "Next Prompt");
+    EXPECT_EQ(Shortcuts::keys(Command::PreviousPrompt, Keyboard::InTerminal), "Ctrl+Shift+Up");
+    EXPECT_EQ(Shortcuts::keys(Command::NextPrompt, Keyboard::InTerminal), "Ctrl+Shift+Down");
+    EXPECT_EQ(Shortcuts::keys(Command::ScrollPageUp, Keyboard::InTerminal), "Shift+PgUp");
+    EXPECT_EQ(Shortcuts::keys(Command::ScrollToTop, Keyboard::InTerminal), "Shift+Home");
+    EXPECT_EQ(Shortcuts::keys(Command::PasteSelection, Keyboard::InTerminal), "Shift+Ins");
+    for (const Command command : {Command::PreviousPrompt, Command::NextPrompt,
+                                  Command::ScrollPageUp, Command::ScrollToTop})
+        EXPECT_EQ(Shortcuts::keys(command, Keyboard::Elsewhere), "");
+}
+
 TEST(Shortcuts, WhatIsReachableElsewhereIsReachableInATerminal)
 {
     for (const Shortcuts::Entry& entry : Shortcuts::all()) {

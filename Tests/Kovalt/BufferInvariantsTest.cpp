@@ -175,9 +175,10 @@ void editScreen(Randomly& random, Screen& screen)
     }
 }
 
-} // namespace
-
-TEST(BufferInvariants, ARunPrintsWhatItsCharactersWouldOneByOne)
+/// Two screens of the same random size go the same steps, each with its cursor in the same random
+/// place, and must show the same after each.
+template <typename Step>
+void expectEqualAfterEach(Step step)
 {
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
@@ -186,45 +187,43 @@ TEST(BufferInvariants, ARunPrintsWhatItsCharactersWouldOneByOne)
         const int rows = random.between(1, 6);
         Screen byRun(cols, rows, random.below(8));
         Screen byCharacter(cols, rows, *byRun.buffer.scrollback());
-        for (int step = 0; step < 60; ++step) {
+        for (int count = 0; count < 60; ++count) {
             byRun.attribute = random.attribute();
             placeCursor(random, byRun, byCharacter);
-            if (random.below(3) == 0) {
-                byRun.print("中x文");
-                byCharacter.print("中x文");
-            }
-            const std::string text = random.ascii(random.between(1, 50));
-            byRun.printRuns(text);
-            byCharacter.print(text);
-            ASSERT_NO_FATAL_FAILURE(expectEqual(byRun, byCharacter));
+            step(random, byRun, byCharacter);
+            ASSERT_NO_FATAL_FAILURE(expectEqual(byRun, byCharacter)) << "step " << count;
         }
     }
 }
 
+} // namespace
+
+TEST(BufferInvariants, ARunPrintsWhatItsCharactersWouldOneByOne)
+{
+    expectEqualAfterEach([](Randomly& random, Screen& byRun, Screen& byCharacter) {
+        if (random.below(3) == 0) {
+            byRun.print("中x文");
+            byCharacter.print("中x文");
+        }
+        const std::string text = random.ascii(random.between(1, 50));
+        byRun.printRuns(text);
+        byCharacter.print(text);
+    });
+}
+
 TEST(BufferInvariants, ARunOfAnyScriptPrintsWhatItsCharactersWouldOneByOne)
 {
-    constexpr std::array<Buffer::PrintedScalar, 5> Scalars = {
+    static constexpr std::array<Buffer::PrintedScalar, 5> Scalars = {
         {{U'x', 1}, {U'é', 1}, {U'中', 2}, {U'ф', 1}, {U'文', 2}}};
-    for (unsigned seed = 0; seed < 40; ++seed) {
-        SCOPED_TRACE(seed);
-        Randomly random(seed);
-        const int cols = random.between(2, 20);
-        const int rows = random.between(1, 6);
-        Screen byRun(cols, rows, random.below(8));
-        Screen byCharacter(cols, rows, *byRun.buffer.scrollback());
-        for (int step = 0; step < 60; ++step) {
-            byRun.attribute = random.attribute();
-            placeCursor(random, byRun, byCharacter);
-            byRun.buffer.insertMode = byCharacter.buffer.insertMode = random.below(4) == 0;
-            std::vector<Buffer::PrintedScalar> run;
-            for (int i = random.between(1, 50); i > 0; --i)
-                run.push_back(Scalars[std::size_t(random.below(int(Scalars.size())))]);
-            byRun.buffer.insertScalarRun(run, byRun.attribute, 0);
-            for (const auto& [scalar, width] : run)
-                byCharacter.put(scalar);
-            ASSERT_NO_FATAL_FAILURE(expectEqual(byRun, byCharacter)) << "step " << step;
-        }
-    }
+    expectEqualAfterEach([](Randomly& random, Screen& byRun, Screen& byCharacter) {
+        byRun.buffer.insertMode = byCharacter.buffer.insertMode = random.below(4) == 0;
+        std::vector<Buffer::PrintedScalar> run;
+        for (int i = random.between(1, 50); i > 0; --i)
+            run.push_back(Scalars[std::size_t(random.below(int(Scalars.size())))]);
+        byRun.buffer.insertScalarRun(run, byRun.attribute, 0);
+        for (const auto& [scalar, width] : run)
+            byCharacter.put(scalar);
+    });
 }
 
 TEST(BufferInvariants, EveryHistoryLeavesASoundBuffer)

@@ -1,6 +1,7 @@
 #include "KeyScript.h"
 
-#include <charconv>
+#include "WholeNumber.h"
+
 #include <map>
 
 namespace KovaltTool {
@@ -22,15 +23,6 @@ const std::map<std::string_view, KittyFunctionalKey>& names()
         {"Left", Left},   {"Right", Right},   {"Home", Home},  {"End", End},
         {"PgUp", PageUp}, {"PgDn", PageDown}, {"Menu", Menu},  {"Pause", Pause}};
     return all;
-}
-
-std::optional<int> number(std::string_view text)
-{
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return value;
 }
 
 KittyKeyboardModifiers takeModifiers(std::string_view& name)
@@ -55,7 +47,7 @@ std::optional<KittyKey> keyOf(std::string_view name)
     if (const auto known = names().find(name); known != names().end())
         return KittyKey::functional(known->second);
     if (name.size() > 1 && name[0] == 'F') {
-        const auto index = number(name.substr(1));
+        const auto index = wholeNumber(name.substr(1));
         if (index && *index >= 1 && *index <= FunctionKeys)
             return KittyKey::functional(
                 KittyFunctionalKey(int(KittyFunctionalKey::F1) + *index - 1));
@@ -72,7 +64,7 @@ std::optional<KeyStep> stepOf(std::string_view name)
     if (name == "lt")
         return KeyStep(std::string("<"));
     if (name.starts_with("Wait ")) {
-        const auto time = number(name.substr(5));
+        const auto time = wholeNumber(name.substr(5));
         if (!time || *time < 0)
             return std::nullopt;
         return KeyStep(std::chrono::milliseconds(*time));

@@ -1,6 +1,7 @@
 #include "Options.h"
 
-#include <charconv>
+#include "WholeNumber.h"
+
 #include <functional>
 #include <map>
 
@@ -38,12 +39,8 @@ constexpr int LargestTime = 86'400'000;
 
 std::optional<int> number(const std::string& text, int smallest, int largest)
 {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value < smallest ||
-        value > largest)
-        return std::nullopt;
-    return value;
+    const auto value = wholeNumber(text);
+    return value && *value >= smallest && *value <= largest ? value : std::nullopt;
 }
 
 std::optional<DumpForm> dumpForm(const std::string& text)

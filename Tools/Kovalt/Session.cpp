@@ -1,5 +1,6 @@
 #include "Session.h"
 
+#include "Kovalt/Ascii.h"
 #include "ProgramStart.h"
 
 #include "Kovalt/Keyboard/KittyKeyboardEncoder.h"
@@ -23,11 +24,6 @@ namespace {
 constexpr int Failed = 1;
 constexpr int TimedOut = 124;
 constexpr std::size_t SliceSize = 65536;
-
-std::span<const std::uint8_t> bytesOf(std::string_view text)
-{
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
 
 void complain(const std::string& text)
 {
@@ -182,7 +178,7 @@ void Session::type(std::size_t step)
     for (; step < m_keys.size(); ++step) {
         const KeyStep& key = m_keys[step];
         if (const auto* text = std::get_if<std::string>(&key)) {
-            m_process.send(bytesOf(*text));
+            m_process.send(Kovalt::Ascii::bytes(*text));
         } else if (const auto* event = std::get_if<Kovalt::KittyKeyEvent>(&key)) {
             press(*event);
         } else if (const auto* time = std::get_if<std::chrono::milliseconds>(&key)) {
@@ -203,7 +199,7 @@ void Session::press(const Kovalt::KittyKeyEvent& key)
                                              {.applicationCursor = modes.applicationCursor,
                                               .applicationKeypad = modes.applicationKeypad});
     if (bytes)
-        m_process.send(bytesOf(*bytes));
+        m_process.send(Kovalt::Ascii::bytes(*bytes));
 }
 
 void Session::goOnIfShown()

@@ -2,7 +2,7 @@
 
 project_files() {
     if git rev-parse --is-inside-work-tree >/dev/null 2>&1; then
-        git ls-files -- "$@"
+        git ls-files --cached --others --exclude-standard -- "$@"
         return
     fi
     local names=()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Views/Kit/Control.h"
+#include "Views/Kit/ScrollHandle.h"
 #include "Views/Kit/ThemedWidget.h"
 
 class QAbstractScrollArea;
@@ -28,7 +29,7 @@ protected:
 
 private:
     void place();
-    [[nodiscard]] QRectF handle() const;
+    [[nodiscard]] ScrollHandle handle() const;
 
     QAbstractScrollArea& m_area;
     Ground m_ground;

@@ -9,6 +9,7 @@ namespace {
 
 constexpr char AreaProperty[] = "bralto.focusArea";
 constexpr char TabProperty[] = "bralto.tabId";
+constexpr char TerminalProperty[] = "bralto.isTerminal";
 
 } // namespace
 
@@ -21,6 +22,17 @@ void WindowFocus::markTab(QWidget& widget, const QString& tabId)
 {
     mark(widget, FocusArea::Content);
     widget.setProperty(TabProperty, tabId);
+}
+
+void WindowFocus::markTerminal(QWidget& widget)
+{
+    widget.setProperty(TerminalProperty, true);
+}
+
+Shortcuts::Keyboard WindowFocus::keyboardOf(const QWidget& widget)
+{
+    return widget.property(TerminalProperty).toBool() ? Shortcuts::Keyboard::InTerminal
+                                                      : Shortcuts::Keyboard::Elsewhere;
 }
 
 FocusArea WindowFocus::areaOf(const QWidget* widget)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Shortcuts.h"
 #include "Workspace/FocusArea.h"
 
 #include <QString>
@@ -22,6 +23,10 @@ public:
     static void mark(QWidget& widget, FocusArea area);
     /// Everything in `widget` belongs to a tab, and to the content.
     static void markTab(QWidget& widget, const QString& tabId);
+    /// The widget hands what is typed to a process; what lies on it doesn't.
+    static void markTerminal(QWidget& widget);
+    /// Which chords work while the widget has the keyboard.
+    [[nodiscard]] static Shortcuts::Keyboard keyboardOf(const QWidget& widget);
 };
 
 } // namespace Bralto
