@@ -60,6 +60,9 @@ Program::Program(QApplication& application, const LaunchRole& role)
                  {m_paths, role, QProcessEnvironment::systemEnvironment().toStringList(),
                   Demo::isActive(qEnvironmentVariable("BRALTO_DEMO"), QCoreApplication::arguments(),
                                  role, m_defaults.shared)})
+    , m_keyboard(QGuiApplication::platformName() == QStringLiteral("xcb")
+                     ? std::optional(qgetenv("DISPLAY"))
+                     : std::nullopt)
     , m_terminalHost(m_chatHost, m_defaults.shared,
                      QProcessEnvironment::systemEnvironment().toStringList())
     , m_motion(m_scheduler)
@@ -164,17 +167,18 @@ void Program::buildWindow()
 
 ViewServices Program::viewServices()
 {
-    return {m_workspace,
-            m_theme,
-            m_desktop,
-            m_defaults,
-            m_clock,
-            m_motion,
-            m_zoom,
-            m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
-                                 : WindowLayout::Role::HomeApplication,
-            [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); },
-            &Program::paneHooks};
+    ViewServices services{m_workspace,
+                          m_theme,
+                          m_desktop,
+                          m_defaults,
+                          m_clock,
+                          m_motion,
+                          m_zoom,
+                          m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
+                                               : WindowLayout::Role::HomeApplication,
+                          [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+    services.paneHooks = &Program::paneHooks;
+    return services;
 }
 
 QWidget* Program::makePane(ConsolePane& pane, Theme& look)

@@ -19,6 +19,7 @@
 #include "Platform/SystemClock.h"
 #include "Platform/SystemDesktop.h"
 #include "Platform/SystemSettings.h"
+#include "Platform/XkbKeyboardLayout.h"
 #include "Views/Dialogs/DialogsView.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/RootView.h"
@@ -90,6 +91,7 @@ private:
     ChatFileIndex m_files;
     QtRunLoop m_runLoop;
     ProcProcessInspector m_processes;
+    XkbKeyboardLayout m_keyboard;
     ProgramTerminalHost m_terminalHost;
     Motion m_motion;
     Workspace m_workspace;

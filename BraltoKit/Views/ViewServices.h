@@ -32,10 +32,10 @@ struct ViewServices {
     /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`. The theme is
     /// that of the pane, and outlives what is made.
     std::function<QWidget*(ConsolePane&, Theme&)> makePane;
-    /// What the menu of a pane does with what `makePane` made; nothing without it.
-    std::function<PaneMenu::Hooks(QWidget&)> paneHooks = {};
     /// Null if nothing is known of the keyboard: then terminals tell no alternate keys.
     const KeyboardLayout* keyboard = nullptr;
+    /// What the menu of a pane does with what `makePane` made; nothing without it.
+    std::function<PaneMenu::Hooks(QWidget&)> paneHooks = {};
 };
 
 } // namespace Bralto

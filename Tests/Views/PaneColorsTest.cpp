@@ -100,3 +100,69 @@ TEST(PaneColors, BrightColoursStandFurtherFromTheirGround)
     EXPECT_GT(dark.bright[1].lightness(), dark.ansi[1].lightness());
     EXPECT_LT(light.bright[1].lightness(), light.ansi[1].lightness());
 }
+
+namespace {
+
+/// Calls `check` with the tokens in a pane of every theme in both appearances.
+template <typename Check>
+void forAllTokens(Check check)
+{
+    for (const bool dark : {true, false}) {
+        for (const PaneTheme& theme : PaneTheme::all()) {
+            SCOPED_TRACE(testing::Message() << theme.id << (dark ? " dark" : " light"));
+            check(paneTokens(theme, tokensOf(dark)));
+        }
+    }
+}
+
+} // namespace
+
+TEST(PaneTokens, EveryInkCanBeReadOnEverySurfaceOfAPane)
+{
+    forAllTokens([](const Tokens& tokens) {
+        for (const QColor& ground :
+             {tokens.sheet, tokens.raised, tokens.field, tokens.floating, tokens.terminal}) {
+            EXPECT_GE(contrastOver(tokens.label, ground), 7);
+            EXPECT_GE(contrastOver(tokens.ink2, ground), 4.5);
+            EXPECT_GE(contrastOver(tokens.ink3, ground), 4.4);
+            EXPECT_GE(contrastOver(tokens.accentInk, ground), 4.5);
+        }
+    });
+}
+
+TEST(PaneTokens, StatusAndCodeCanBeReadInAPane)
+{
+    forAllTokens([](const Tokens& tokens) {
+        for (const QColor& ground : {tokens.sheet, tokens.raised}) {
+            for (const QColor& ink :
+                 {tokens.done, tokens.waiting, tokens.failed, tokens.code.keyword,
+                  tokens.code.string, tokens.code.number, tokens.code.type, tokens.code.function,
+                  tokens.code.property, tokens.code.tag, tokens.code.marker})
+                EXPECT_GE(contrastOver(ink, ground), 4.5) << ink.name().toStdString();
+        }
+        EXPECT_GE(contrastOver(tokens.onAccent, tokens.accent), 4.5);
+    });
+}
+
+TEST(PaneTokens, WhatLiesAroundAPaneKeepsTheWindowsColours)
+{
+    const Tokens window = tokensOf(true);
+
+    const Tokens tokens = paneTokens(PaneTheme::named("paper"), window);
+
+    EXPECT_EQ(tokens.frame.stops, window.frame.stops);
+    EXPECT_EQ(tokens.frame.well, window.frame.well);
+    EXPECT_EQ(tokens.sheetEdge, window.sheetEdge);
+    EXPECT_FALSE(tokens.dark);
+}
+
+TEST(PaneTokens, APaneInThePlainLookHasTheWindowsTokens)
+{
+    const Tokens window = tokensOf(false);
+
+    const Tokens tokens = paneTokens(PaneTheme::named("default"), window);
+
+    EXPECT_EQ(tokens.sheet, window.sheet);
+    EXPECT_EQ(tokens.accent, window.accent);
+    EXPECT_EQ(tokens.label, window.label);
+}

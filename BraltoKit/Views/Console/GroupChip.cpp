@@ -32,7 +32,8 @@ constexpr double HaloOpacity = 0.24;
 constexpr double RingLine = 1.8;
 constexpr double Quarter = 0.25;
 constexpr double GhostOpacity = 0.4;
-constexpr int CloseRight = 4;
+constexpr int Close = 16;
+constexpr int CloseRight = 3;
 /// A narrower chip has no room for its close button.
 constexpr int LeastForClose = 60;
 
@@ -63,7 +64,7 @@ GroupChip::GroupChip(Theme& theme, TerminalPanel& panel, ConsoleDrag& drag, Term
     , m_close(new IconButton(theme, Ground::Frame, QStringLiteral("xmark"), this))
 {
     setAcceptDrops(true);
-    m_close->setExtent(Measure::TabClose, Measure::CaptionIcon);
+    m_close->setExtent(Close, Measure::CaptionIcon);
     m_close->setQuiet(true);
     m_close->setTip(tr("Close"));
     // The keyboard closes a focused chip with Delete.
@@ -156,14 +157,13 @@ QSize GroupChip::sizeHint() const
 QRect GroupChip::nameRect() const
 {
     const int x = Padding + Measure::TabIcon + Gap;
-    const int right = m_close->isHidden() ? width() - Padding + 1 : m_close->x() - 2;
-    return {x, 0, std::max(0, right - x), height()};
+    return {x, 0, std::max(0, width() - Padding + 1 - x), height()};
 }
 
 void GroupChip::place()
 {
     m_close->setVisible(underMouse() && !m_field && width() >= LeastForClose);
-    m_close->move(width() - CloseRight - Measure::TabClose, (height() - Measure::TabClose) / 2);
+    m_close->move(width() - CloseRight - Close, (height() - Close) / 2);
     if (m_field)
         m_field->setGeometry(nameRect());
 }
@@ -364,6 +364,9 @@ void GroupChip::paintEvent(QPaintEvent* /*event*/)
     const QRectF icon(Padding, (height() - Measure::TabIcon) / 2.0, Measure::TabIcon,
                       Measure::TabIcon);
     paintState(painter, icon, ink);
+    // The button covers the last letter rather than making the chip wider or its text shorter.
+    if (!m_close->isHidden())
+        painter.setClipRect(QRect(0, 0, m_close->x(), height()));
     if (!m_field)
         TextLine::draw(painter, nameRect(), TextRole::SecondaryMedium, ink, text());
 }
