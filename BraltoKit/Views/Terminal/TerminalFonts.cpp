@@ -4,6 +4,7 @@
 #include "Views/Terminal/BoxDrawing.h"
 #include "Views/Terminal/CoverageCanvas.h"
 #include "Views/Terminal/GlyphDrawing.h"
+#include "Views/Terminal/TerminalLigatures.h"
 
 #include <QPainterPath>
 #include <QStringList>
@@ -50,7 +51,10 @@ TerminalFonts::TerminalFonts(Face face)
     : m_face(std::move(face))
 {
     QFont base = font(TextRole::Terminal);
-    const QString family = m_face.family.isEmpty() ? base.families().value(0) : m_face.family;
+    QString family = m_face.family.isEmpty() ? base.families().value(0) : m_face.family;
+    // The cut without ligatures is of no use to who wants them.
+    if (m_face.hasLigatures && family.endsWith(QStringLiteral(" NL")))
+        family.chop(3);
     base.setFamilies(families(family));
     base.setPixelSize(std::max(1, qRound(m_face.size)));
     // Every glyph is looked up by itself; only clusters and ligatures are shaped.
@@ -165,11 +169,13 @@ GlyphMask TerminalFonts::drawn(const QString& text, Place place) const
                                 {style.needsBold, style.needsItalic});
 }
 
-bool TerminalFonts::joins(const QString& text, std::uint8_t style) const
+const GlyphMask* TerminalFonts::ligature(const std::string& signs, std::uint8_t style)
 {
-    Q_UNUSED(text);
-    Q_UNUSED(style);
-    return false;
+    const auto [known, isNew] = m_ligatures.try_emplace(char(style) + signs, nullptr);
+    const Style& look = m_styles[style];
+    if (isNew && TerminalLigatures::joins(look.font, look.raw, QString::fromStdString(signs)))
+        known->second = &cluster(signs, {style, std::uint8_t(signs.size())});
+    return known->second;
 }
 
 const GlyphMask& TerminalFonts::underline(UnderlineStyle style, RenderLineMode mode)
@@ -236,6 +242,7 @@ void TerminalFonts::trim()
     m_scalars.clear();
     m_clusters.clear();
     m_lines.clear();
+    m_ligatures.clear();
     m_ascii = {};
     m_bytes = 0;
     ++m_generation;

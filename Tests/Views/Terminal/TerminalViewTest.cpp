@@ -208,13 +208,13 @@ TEST_F(TerminalViewTest, ZoomAndStyleChangeTheGrid)
 {
     show();
 
-    services.zoom.set(Zoom::Area::Terminal, 2);
+    view->setZoom(2);
     settle();
     EXPECT_EQ(view->geometryOfCells().cell, QSizeF(14, 36));
     EXPECT_EQ(session.terminal().cols(), 20);
     EXPECT_EQ(session.terminal().rows(), 5);
 
-    services.zoom.set(Zoom::Area::Terminal, 1);
+    view->setZoom(1);
     view->setStyle(sized(24));
     settle();
     EXPECT_EQ(view->geometryOfCells().cell, QSizeF(14, 36));
@@ -248,7 +248,9 @@ TEST_F(TerminalViewTest, AnotherAppearanceRecoloursWhatIsThere)
     settle();
     EXPECT_EQ(corner(5, 5), Ink::hex(0xF2756F).rgb());
 
-    views.theme.setSystem({.dark = false, .reducedMotion = true});
+    SpaceTheme space = views.theme.space();
+    space.appearance = SpaceAppearance::Light;
+    views.theme.setSpace(space);
     settle();
 
     EXPECT_EQ(corner(5, 5), Ink::hex(0xC3342E).rgb());
