@@ -34,9 +34,25 @@ QStringList families(const QString& own)
     QStringList result{own};
     for (const QString& family :
          {QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Noto Sans Mono"),
-          QStringLiteral("Noto Sans Mono CJK SC"), QStringLiteral("Noto Sans CJK SC"), EmojiFamily})
+          QStringLiteral("Noto Sans Mono CJK SC"), QStringLiteral("Noto Sans CJK SC"),
+          QStringLiteral("DejaVu Sans"), EmojiFamily})
         result.append(family);
     return result;
+}
+
+/// Signs that hardly a font has as letters, only as pictures, and what shows them as letters.
+char32_t asLetter(char32_t scalar)
+{
+    switch (scalar) {
+    case 0x23F8: // Pause
+        return 0x2016;
+    case 0x23F9: // Stop
+        return 0x25A0;
+    case 0x23FA: // Record
+        return 0x25CF;
+    default:
+        return scalar;
+    }
 }
 
 std::uint64_t key(char32_t scalar, TerminalFonts::Place place)
@@ -138,12 +154,14 @@ GlyphMask TerminalFonts::drawnScalar(char32_t scalar, Place place) const
         blank.height = box.size.height();
         return blank;
     }
-    if (scalar >= 0x2500) {
+    if (scalar >= BoxDrawing::First) {
         const auto stretched = GlyphDrawing::stretch(place.mode);
         CoverageCanvas canvas(box.size.width() * stretched.x, box.size.height() * stretched.y);
         if (BoxDrawing::draw(scalar, canvas, m_line * stretched.x))
             return GlyphDrawing::mask(canvas, box);
     }
+    if (place.columns == 1)
+        scalar = asLetter(scalar);
     const QString text = QString::fromUcs4(&scalar, 1);
     const Style& style = m_styles[place.style];
     if (!GlyphDrawing::isEmoji(text, place.columns)) {
@@ -163,7 +181,10 @@ GlyphMask TerminalFonts::drawn(const QString& text, Place place) const
     if (GlyphDrawing::isEmoji(text, place.columns)) {
         QFont emoji = m_styles[0].font;
         emoji.setFamilies(QStringList{EmojiFamily} + emoji.families());
-        return GlyphDrawing::layout(emoji, m_face.size, text, box, {});
+        // The picture's font is chosen already, and the selector would only part a sequence.
+        QString sequence = text;
+        sequence.remove(QChar(0xFE0F));
+        return GlyphDrawing::layout(emoji, m_face.size, sequence, box, {});
     }
     return GlyphDrawing::layout(style.font, m_face.size, text, box,
                                 {style.needsBold, style.needsItalic});

@@ -20,6 +20,9 @@ namespace Bralto {
 namespace {
 
 constexpr auto LigaturesKey = "terminalLigatures";
+/// A style is read from a file, which may say anything.
+constexpr double SmallestFont = 4;
+constexpr double LargestFont = 72;
 
 } // namespace
 
@@ -69,7 +72,9 @@ TerminalView::~TerminalView() = default;
 TerminalFonts::Face TerminalView::face() const
 {
     const TypeStyle type = typeStyle(TextRole::Terminal);
-    const double size = m_style.fontSize.value_or(type.size) * m_zoom * m_ratio;
+    const double wanted =
+        std::clamp(m_style.fontSize.value_or(type.size), SmallestFont, LargestFont);
+    const double size = wanted * m_zoom * m_ratio;
     return {m_style.fontFamily.value_or(QString()), size, size * type.lineHeight / type.size,
             m_defaults.boolean(QString::fromLatin1(LigaturesKey)).value_or(false)};
 }

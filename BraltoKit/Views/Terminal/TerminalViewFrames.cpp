@@ -143,7 +143,8 @@ QRect TerminalView::rectOfCells() const
 void TerminalView::paintEvent(QPaintEvent* event)
 {
     followRatio();
-    if (m_isStale && !m_session.terminal().isSynchronizedOutputActive())
+    // While a program holds its output back the picture stays, unless there is none.
+    if (m_rows.isEmpty() || (m_isStale && !m_session.terminal().isSynchronizedOutputActive()))
         takeFrame();
     QPainter painter(this);
     paintPadding(painter, event->region());

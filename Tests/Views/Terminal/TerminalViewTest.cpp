@@ -115,6 +115,26 @@ TEST_F(TerminalViewTest, WhileAProgramHoldsItsOutputBackTheOldPictureStays)
     EXPECT_EQ(corner(5, 5), Ink::hex(0x82AEF5).rgb());
 }
 
+TEST_F(TerminalViewTest, AViewThatAppearsWhileOutputIsHeldBackShowsWhatThereIs)
+{
+    write("\033[44m\033[2J\033[?2026h");
+
+    show();
+
+    EXPECT_EQ(corner(5, 5), Ink::hex(0x82AEF5).rgb());
+}
+
+TEST_F(TerminalViewTest, ASizeThatNobodyCanReadIsNotTaken)
+{
+    show();
+    for (const double size : {-3.0, 0.0, 1e9}) {
+        view->setStyle(sized(size));
+        settle();
+        EXPECT_GE(session.terminal().cols(), 2);
+        EXPECT_LE(view->geometryOfCells().cell.height(), 200);
+    }
+}
+
 TEST_F(TerminalViewTest, AnIdleViewWithoutTheKeyboardHasNoTimer)
 {
     show();
