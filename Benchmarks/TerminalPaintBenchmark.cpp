@@ -1,6 +1,7 @@
 /// @file
 /// What painting a terminal costs the interface thread, in milliseconds a frame. Without a screen:
-/// the rows are painted and shown in memory, the way to the display isn't measured.
+/// the rows are painted and shown in memory, the way to the display isn't measured. The argument
+/// is how many device pixels a unit has.
 
 #include "Benchmarks/BenchApplication.h"
 #include "Kovalt/Terminal.h"
@@ -8,10 +9,10 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QRegion>
 
 #include <benchmark/benchmark.h>
 
-#include <optional>
 #include <string>
 
 using namespace Bralto;
@@ -89,10 +90,10 @@ void fill(Screen& screen, int cols, int rows)
         screen.terminal().feed(colouredRow(cols, row) + (row + 1 < rows ? "\r\n" : ""));
 }
 
-void fullRepaint(benchmark::State& state)
+void repaintTerminal(benchmark::State& state)
 {
     benchApplication();
-    Screen screen(200, 50, 0, double(state.range(0)) / 100);
+    Screen screen(200, 50, 0, double(state.range(0)));
     fill(screen, 200, 50);
     screen.frame();
     for (auto _ : state) {
@@ -101,10 +102,10 @@ void fullRepaint(benchmark::State& state)
     }
 }
 
-void oneChangedRow(benchmark::State& state)
+void repaintTerminalRow(benchmark::State& state)
 {
     benchApplication();
-    Screen screen(200, 50, 0, double(state.range(0)) / 100);
+    Screen screen(200, 50, 0, double(state.range(0)));
     fill(screen, 200, 50);
     screen.frame();
     int number = 0;
@@ -115,11 +116,11 @@ void oneChangedRow(benchmark::State& state)
 }
 
 /// By three rows a frame, as a wheel does, through all of it.
-void scrolledHistory(benchmark::State& state)
+void scrollTerminal(benchmark::State& state)
 {
     benchApplication();
     constexpr int History = 100'000;
-    Screen screen(200, 60, History, double(state.range(0)) / 100);
+    Screen screen(200, 60, History, double(state.range(0)));
     fill(screen, 200, History);
     int top = 0;
     for (auto _ : state) {
@@ -130,11 +131,11 @@ void scrolledHistory(benchmark::State& state)
 }
 
 /// A page a frame: nothing of one is in the next, as in a flood.
-void pagedHistory(benchmark::State& state)
+void pageTerminal(benchmark::State& state)
 {
     benchApplication();
     constexpr int History = 100'000;
-    Screen screen(200, 60, History, double(state.range(0)) / 100);
+    Screen screen(200, 60, History, double(state.range(0)));
     fill(screen, 200, History);
     int top = 0;
     for (auto _ : state) {
@@ -145,10 +146,10 @@ void pagedHistory(benchmark::State& state)
 }
 
 /// Each cell in a colour of its own, as pictures made of blocks have it.
-void trueColours(benchmark::State& state)
+void repaintTrueColours(benchmark::State& state)
 {
     benchApplication();
-    Screen screen(200, 50, 0, double(state.range(0)) / 100);
+    Screen screen(200, 50, 0, double(state.range(0)));
     std::string text;
     for (int i = 0; i < 200 * 50; ++i)
         text += "\033[38;2;" + std::to_string(i % 256) + ";" + std::to_string(i / 40) +
@@ -161,30 +162,10 @@ void trueColours(benchmark::State& state)
     }
 }
 
-BENCHMARK(fullRepaint)
-    ->Name("terminal/full repaint 200x50")
-    ->Arg(100)
-    ->Arg(200)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(oneChangedRow)
-    ->Name("terminal/one changed row of 200x50")
-    ->Arg(100)
-    ->Arg(200)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(scrolledHistory)
-    ->Name("terminal/scrolling 100,000 rows at 200x60")
-    ->Arg(100)
-    ->Arg(200)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(pagedHistory)
-    ->Name("terminal/paging 100,000 rows at 200x60")
-    ->Arg(100)
-    ->Arg(200)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(trueColours)
-    ->Name("terminal/a colour a cell 200x50")
-    ->Arg(100)
-    ->Arg(200)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(repaintTerminal)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(repaintTerminalRow)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(scrollTerminal)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(pageTerminal)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(repaintTrueColours)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 } // namespace
