@@ -177,6 +177,7 @@ ViewServices Program::viewServices()
                           m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
                                                : WindowLayout::Role::HomeApplication,
                           [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+    services.keyboard = &m_keyboard;
     services.paneHooks = &Program::paneHooks;
     return services;
 }
