@@ -19,6 +19,7 @@
 #include "Platform/SystemClock.h"
 #include "Platform/SystemDesktop.h"
 #include "Platform/SystemSettings.h"
+#include "Platform/XkbKeyboardLayout.h"
 #include "Views/Dialogs/DialogsView.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/RootView.h"
@@ -54,8 +55,9 @@ private:
     [[nodiscard]] std::unique_ptr<TerminalSession> makeSession(const TerminalSession::Start& start);
     [[nodiscard]] TerminalPanel::Services panelServices();
     [[nodiscard]] ViewServices viewServices();
-    [[nodiscard]] QWidget* makePane(ConsolePane& pane);
-    [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat);
+    [[nodiscard]] QWidget* makePane(ConsolePane& pane, Theme& look);
+    [[nodiscard]] static PaneMenu::Hooks paneHooks(QWidget& content);
+    [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat, Theme& look);
     [[nodiscard]] QWidget* makeTerminalView(ConsolePane& pane, TerminalSession& session);
     [[nodiscard]] Workspace::Services workspaceServices();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
@@ -89,6 +91,7 @@ private:
     ChatFileIndex m_files;
     QtRunLoop m_runLoop;
     ProcProcessInspector m_processes;
+    XkbKeyboardLayout m_keyboard;
     ProgramTerminalHost m_terminalHost;
     Motion m_motion;
     Workspace m_workspace;

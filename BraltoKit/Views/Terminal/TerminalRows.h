@@ -42,6 +42,8 @@ public:
 
     /// Paints what differs. Tells the rows of the view that have to be shown again, ascending.
     [[nodiscard]] const std::vector<int>& refresh(TerminalPainter& painter, const Source& source);
+    /// Nothing was painted yet, or not since the size changed.
+    [[nodiscard]] bool isEmpty() const { return m_picture.isNull(); }
     /// How many rows the last `refresh` painted.
     [[nodiscard]] int paintedRows() const { return m_painted; }
 
