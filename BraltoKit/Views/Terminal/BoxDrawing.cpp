@@ -177,8 +177,11 @@ void drawArc(CoverageCanvas& canvas, int line, bool goesRight, bool goesDown)
 {
     const double width = canvas.width();
     const double height = canvas.height();
-    const double x = (canvas.width() - line) / 2 + line / 2.0;
-    const double y = (canvas.height() - line) / 2 + line / 2.0;
+    // The middles of the lines that it joins, whose edges are whole pixels.
+    const int left = (canvas.width() - line) / 2;
+    const int top = (canvas.height() - line) / 2;
+    const double x = left + line / 2.0;
+    const double y = top + line / 2.0;
     const double endX = goesRight ? width : 0;
     const double endY = goesDown ? height : 0;
     // The last pixels are straight, or the curve would reach into the rows beside the line's.
