@@ -57,9 +57,9 @@ TerminalView::TerminalView(const ViewServices& services, TerminalSession& sessio
     connect(&session, &TerminalSession::rang, &m_bell, &VisualBell::ring);
     connect(&m_bell, &VisualBell::changed, this, qOverload<>(&QWidget::update));
     connect(&m_blink, &CursorBlink::changed, this, &TerminalView::contentsMoved);
-    connect(&services.zoom, &Zoom::changed, this, [this, &services](Zoom::Area area) {
+    connect(&services.zoom, &Zoom::changed, this, [this, &zoom = services.zoom](Zoom::Area area) {
         if (area == Zoom::Area::Terminal)
-            setZoom(services.zoom.level(area));
+            setZoom(zoom.level(area));
     });
     connect(&m_defaults, &DefaultsStore::changed, this, [this](const QString& key) {
         if (key == QLatin1String(LigaturesKey))
