@@ -40,7 +40,7 @@ struct CommandMenuTest : testing::Test {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    QAction* action(Command command) const
+    QAction* action(Command command)
     {
         const QString title = Shortcuts::title(command);
         for (QAction* const top : menu.menu()->actions()) {

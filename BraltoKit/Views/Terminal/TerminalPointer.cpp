@@ -7,6 +7,7 @@
 #include <QStyleHints>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -94,6 +95,10 @@ void TerminalPointer::countClick(const QMouseEvent& event)
 
 void TerminalPointer::doubleClick(const QMouseEvent& event)
 {
+    // The window system has counted it already, perhaps by another measure.
+    m_clicks = std::max(1, m_clicks);
+    m_lastClick = event.timestamp();
+    m_clickPlace = event.position();
     press(event);
 }
 
@@ -235,6 +240,8 @@ void TerminalPointer::report(QPointF place, int flags, bool isMotion)
     m_lastReport = told;
     if (isMotion)
         terminal.sendMotion(event);
+    else if (const auto body = TerminalMouse::turnToTheRight(modes().mouseProtocol, event))
+        terminal.sendCsi(*body);
     else
         terminal.sendEvent(event);
 }

@@ -30,6 +30,8 @@ public:
     void leave();
     /// A modifier was pressed or released while the pointer rests.
     void holdModifiers(Qt::KeyboardModifiers held);
+    /// The click that comes next has brought the keyboard here.
+    void noteFocusByClick() { m_bringsFocus = true; }
     /// The program wants other events of the pointer than before.
     void showShape();
 
