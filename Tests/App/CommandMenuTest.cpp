@@ -2,6 +2,7 @@
 #include "Tests/Support/WorkspaceHarness.h"
 #include "Views/Window/WindowFocus.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QTest>
 
@@ -25,7 +26,8 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override
     {
-        ++presses;
+        if (event->key() == Qt::Key_S)
+            ++presses;
         event->accept();
     }
 };

@@ -61,8 +61,7 @@ void TerminalPointer::press(const QMouseEvent& event)
 {
     m_place = event.position();
     m_isInside = true;
-    m_hadFocus = m_view.hasFocus();
-    if (!m_hadFocus)
+    if (!m_view.hasFocus())
         m_view.setFocus(Qt::MouseFocusReason);
     m_links.moveTo(m_view.geometryOfCells().cellAt(m_place), isCtrl(event.modifiers()));
 
@@ -162,6 +161,7 @@ void TerminalPointer::scrollDrag()
 
 void TerminalPointer::release(const QMouseEvent& event)
 {
+    const bool broughtFocus = std::exchange(m_bringsFocus, false);
     m_place = event.position();
     if (m_reported.testFlag(event.button())) {
         m_reported.setFlag(event.button(), false);
@@ -191,7 +191,7 @@ void TerminalPointer::release(const QMouseEvent& event)
         // The link may not be known yet to lead somewhere.
         m_links.moveTo(cell, true);
         m_links.follow();
-    } else if (m_hadFocus && event.modifiers() == Qt::NoModifier) {
+    } else if (!broughtFocus && event.modifiers() == Qt::NoModifier) {
         session.terminal().handleSemanticPromptClick(cell, {});
     }
 }

@@ -63,8 +63,8 @@ private:
 
     bool m_isSelecting = false;
     bool m_hasDragged = false;
-    bool m_hadFocus = false; ///< When the button went down.
-    bool m_onLink = false;   ///< The button went down on a link with Ctrl held.
+    bool m_bringsFocus = false; ///< The click that is going on brought the keyboard here.
+    bool m_onLink = false;      ///< The button went down on a link with Ctrl held.
     int m_clicks = 0;
     quint64 m_lastClick = 0; ///< Milliseconds, as events count them.
     QPointF m_clickPlace;
