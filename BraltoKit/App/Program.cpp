@@ -14,8 +14,10 @@
 #include "Workspace/ZoomTarget.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDBusConnection>
 #include <QFileInfo>
+#include <QPointer>
 #include <QProcessEnvironment>
 
 namespace Bralto {
@@ -48,6 +50,7 @@ Program::Program(QApplication& application, const LaunchRole& role)
     , m_processDefaults(m_paths, role)
     , m_defaults(m_processDefaults.defaults())
     , m_desktop(QDBusConnection::sessionBus(), copyToClipboard)
+    , m_service(QDBusConnection::sessionBus(), role.bundleIdentifier)
     , m_applications(QDBusConnection::sessionBus(),
                      SessionApplications::defaultRuntimeFolder(m_paths))
     , m_theme(systemLook(m_settings))
@@ -58,6 +61,9 @@ Program::Program(QApplication& application, const LaunchRole& role)
                  {m_paths, role, QProcessEnvironment::systemEnvironment().toStringList(),
                   Demo::isActive(qEnvironmentVariable("BRALTO_DEMO"), QCoreApplication::arguments(),
                                  role, m_defaults.shared)})
+    , m_keyboard(QGuiApplication::platformName() == QStringLiteral("xcb")
+                     ? std::optional(qgetenv("DISPLAY"))
+                     : std::nullopt)
     , m_terminalHost(m_chatHost, m_defaults.shared,
                      QProcessEnvironment::systemEnvironment().toStringList())
     , m_motion(m_scheduler)
@@ -76,6 +82,12 @@ Program::Program(QApplication& application, const LaunchRole& role)
     m_applications.claim(role.bundleIdentifier);
     buildWindow();
     followSystem();
+    connect(&m_service, &ApplicationService::activateRequested, this, &Program::activate);
+    connect(&m_service, &ApplicationService::openRequested, this,
+            [this](const QStringList& addresses) {
+                activate();
+                m_delegate.open(addresses);
+            });
     connect(&m_signals, &QuitSignals::quitRequested, this, &Program::terminate);
     auto* zoomKeys = new ZoomKeys(&m_application, [this] { return m_workspace.root() != nullptr; });
     connect(zoomKeys, &ZoomKeys::zoomRequested, this, [this](ZoomKeys::Direction direction) {
@@ -162,22 +174,25 @@ void Program::buildWindow()
 
 ViewServices Program::viewServices()
 {
-    return {m_workspace,
-            m_theme,
-            m_desktop,
-            m_defaults,
-            m_clock,
-            m_motion,
-            m_zoom,
-            m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
-                                 : WindowLayout::Role::HomeApplication,
-            [this](ConsolePane& pane) { return makePane(pane); }};
+    ViewServices services{m_workspace,
+                          m_theme,
+                          m_desktop,
+                          m_defaults,
+                          m_clock,
+                          m_motion,
+                          m_zoom,
+                          m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
+                                               : WindowLayout::Role::HomeApplication,
+                          [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+    services.keyboard = &m_keyboard;
+    services.paneHooks = &Program::paneHooks;
+    return services;
 }
 
-QWidget* Program::makePane(ConsolePane& pane)
+QWidget* Program::makePane(ConsolePane& pane, Theme& look)
 {
     TerminalSession* session = pane.terminal();
-    return session ? makeTerminalView(pane, *session) : makeChatView(*pane.chat());
+    return session ? makeTerminalView(pane, *session) : makeChatView(*pane.chat(), look);
 }
 
 QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
@@ -185,6 +200,11 @@ QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
     auto* view = new TerminalView(viewServices(), session);
     connect(&view->input(), &TerminalInput::urlActivated, this,
             [this](const QString& url) { m_delegate.open({url}); });
+    // The pane around the view has the menu.
+    connect(&view->input(), &TerminalInput::contextMenuRequested, view, [view](const QPoint& at) {
+        QContextMenuEvent event(QContextMenuEvent::Other, view->mapFromGlobal(at), at);
+        QApplication::sendEvent(view->parentWidget(), &event);
+    });
     connect(&view->input(), &TerminalInput::fileActivated, &m_workspace,
             [this](const QString& path) { m_workspace.openFile(path); });
     const auto applyStyle = [view, &pane] { view->setStyle(pane.style()); };
@@ -196,9 +216,28 @@ QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
     return view;
 }
 
-QWidget* Program::makeChatView(ClaudeChat& chat)
+PaneMenu::Hooks Program::paneHooks(QWidget& content)
 {
-    auto* view = new ChatView(chat, m_theme, m_clock, m_files);
+    auto* view = qobject_cast<TerminalView*>(&content);
+    if (!view)
+        return {};
+    const QPointer<TerminalInput> input(&view->input());
+    return {.canCopy = [input] { return input && input->canCopy(); },
+            .copy =
+                [input] {
+                    if (input)
+                        input->copy();
+                },
+            .paste =
+                [input] {
+                    if (input)
+                        input->paste();
+                }};
+}
+
+QWidget* Program::makeChatView(ClaudeChat& chat, Theme& look)
+{
+    auto* view = new ChatView(chat, look, m_clock, m_files);
     connect(view, &ChatView::openFileRequested, &m_workspace, &Workspace::openFile);
     connect(view, &ChatView::openUrlRequested, this,
             [this](const QUrl& url) { m_delegate.open({url.toString()}); });

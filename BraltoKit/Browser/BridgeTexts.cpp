@@ -123,10 +123,16 @@ constexpr char ZshBeginning[] = R"zsh(bralto_finish() {
 bralto_zdotdir=$ZDOTDIR
 )zsh";
 
-// A user's file may move the folder of the later ones, or take it back.
+// A user's file may move the folder of the later ones, or take it back. One that fails or is
+// interrupted must not end ours as well: zsh would go on with the user's files and never come back.
 constexpr char ZshBody[] = R"zsh(ZDOTDIR=$BRALTO_USER_ZDOTDIR
 if [[ -f $ZDOTDIR/@file@ ]]; then
-  builtin source "$ZDOTDIR/@file@"
+  {
+    builtin source "$ZDOTDIR/@file@"
+  } always {
+    TRY_BLOCK_ERROR=0
+    TRY_BLOCK_INTERRUPT=0
+  }
 fi
 BRALTO_USER_ZDOTDIR=${ZDOTDIR-$HOME}
 ZDOTDIR=$bralto_zdotdir

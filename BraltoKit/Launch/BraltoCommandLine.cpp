@@ -16,6 +16,9 @@ constexpr char Help[] =
     "\n"
     "  --install-space FOLDER  make or refresh the application of a project and\n"
     "                          print where it is\n"
+    "  --deliver IDENTIFIER ADDRESS\n"
+    "                          open a link in the running application of that\n"
+    "                          bundle identifier; fails if there is none\n"
     "  --mcp                   serve the browser tools on standard input and\n"
     "                          output; not available in this version\n"
     "  --render-icon FILE      write the program's icon; not available in this\n"
@@ -29,13 +32,14 @@ bool has(const QStringList& arguments, const QString& option)
     return arguments.indexOf(option, 1) > 0;
 }
 
-/// The argument behind the first occurrence of `option`.
-std::optional<QString> value(const QStringList& arguments, const QString& option)
+/// The arguments behind the first occurrence of `option`, if there are that many.
+std::optional<QStringList> values(const QStringList& arguments, const QString& option,
+                                  qsizetype count)
 {
     const qsizetype index = arguments.indexOf(option, 1);
-    if (index < 0 || index + 1 >= arguments.size())
+    if (index < 0 || index + count >= arguments.size())
         return std::nullopt;
-    return arguments[index + 1];
+    return arguments.mid(index + 1, count);
 }
 
 int refuse(const QString& option, QTextStream& err)
@@ -59,6 +63,17 @@ int install(const QString& folder, const Actions& actions, Streams streams)
     return Success;
 }
 
+int deliver(const QString& bundleIdentifier, const QString& address, const Actions& actions,
+            QTextStream& err)
+{
+    if (actions.deliver(bundleIdentifier, address))
+        return Success;
+    err << QStringLiteral("Couldn’t deliver the link: ") << bundleIdentifier
+        << QStringLiteral(" isn’t running.\n");
+    err.flush();
+    return Failed;
+}
+
 int print(const QString& text, QTextStream& out)
 {
     out << text;
@@ -75,10 +90,12 @@ std::optional<int> handle(const QStringList& arguments, const Actions& actions, 
 
     if (has(arguments, mcp))
         return refuse(mcp, streams.err);
-    if (const auto folder = value(arguments, QStringLiteral("--install-space")))
-        return install(*folder, actions, streams);
-    if (value(arguments, renderIcon))
+    if (const auto found = values(arguments, QStringLiteral("--install-space"), 1))
+        return install(found->first(), actions, streams);
+    if (values(arguments, renderIcon, 1))
         return refuse(renderIcon, streams.err);
+    if (const auto found = values(arguments, QStringLiteral("--deliver"), 2))
+        return deliver(found->first(), found->last(), actions, streams.err);
     if (has(arguments, QStringLiteral("--help")))
         return print(QString::fromUtf8(Help), streams.out);
     if (has(arguments, QStringLiteral("--version")))

@@ -18,6 +18,8 @@ struct Actions {
     /// Makes the application of a folder: its bundle, or the system's words why not.
     std::function<Expected<QString, QString>(const QString& folder)> installSpace;
     QString version; ///< Of the home application.
+    /// Hands an address to the running application of that identifier; whether it took it.
+    std::function<bool(const QString& bundleIdentifier, const QString& address)> deliver;
 };
 
 struct Streams {
@@ -31,9 +33,10 @@ struct Streams {
 ///     --mcp anywhere          not in this version: a message and 2
 ///     --install-space PATH    prints the bundle and 0, or a message and 1
 ///     --render-icon PATH      not in this version: a message and 2
+///     --deliver ID ADDRESS    0, or a message and 1
 ///     --help, --version       print and 0
 ///
-/// Only the first occurrence of an option counts; one without the value that it needs is none.
+/// Only the first occurrence of an option counts; one without the values that it needs is none.
 [[nodiscard]] std::optional<int> handle(const QStringList& arguments, const Actions& actions,
                                         Streams streams);
 
@@ -43,5 +46,8 @@ struct Streams {
 /// Makes the application of `folder` as this process's part can; see `SpaceApps::install`.
 [[nodiscard]] Expected<QString, QString> installSpace(const LaunchRole& role,
                                                       const QString& folder);
+
+/// Hands `address` to the running application of that identifier; whether it took it.
+[[nodiscard]] bool deliver(const QString& bundleIdentifier, const QString& address);
 
 } // namespace Bralto::BraltoCommandLine

@@ -26,15 +26,19 @@ public:
     std::optional<QString> openFileOrFolder() override { return std::nullopt; }
 };
 
+/// The session bus wants an application object; nothing here runs its event loop.
+class CommandApplication {
+    char m_name[7] = "bralto";
+    char* m_arguments[2] = {m_name, nullptr};
+    int m_count = 1;
+    QCoreApplication m_application{m_count, m_arguments};
+};
+
 } // namespace
 
 Expected<QString, QString> installSpace(const LaunchRole& role, const QString& folder)
 {
-    // The session bus wants an application object; nothing here runs its event loop.
-    char name[] = "bralto";
-    char* arguments[] = {name, nullptr};
-    int count = 1;
-    const QCoreApplication application(count, arguments);
+    const CommandApplication application;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     const AppPaths paths = AppPaths::current();
     const ProcessDefaults defaults(paths, role);
@@ -47,12 +51,20 @@ Expected<QString, QString> installSpace(const LaunchRole& role, const QString& f
     return apps.install(folder, SpaceApps::WhileRunning::No);
 }
 
+bool deliver(const QString& bundleIdentifier, const QString& address)
+{
+    const CommandApplication application;
+    const SessionApplications running(QDBusConnection::sessionBus(), QString());
+    return running.open(bundleIdentifier, {address});
+}
+
 std::optional<int> handle(const QStringList& arguments)
 {
     const LaunchRole role = MainBundle::role(MainBundle::executable());
     const Actions actions{
         [&role](const QString& folder) { return installSpace(role, folder); },
         role.shortVersion,
+        deliver,
     };
     QTextStream out(stdout);
     QTextStream err(stderr);

@@ -3,6 +3,7 @@
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QDir>
+#include <QRegularExpression>
 
 namespace Bralto {
 
@@ -25,6 +26,15 @@ QDBusReply<Answer> ask(const QDBusConnection& bus, const QString& method,
         QStringLiteral("org.freedesktop.DBus"), method);
     question.setArguments(arguments);
     return bus.call(question, QDBus::Block, BusTimeout);
+}
+
+/// A call to a name that the bus's rules forbid ends the process that makes it.
+bool isLegal(const QString& busName)
+{
+    static const QRegularExpression form(
+        QStringLiteral("\\A[A-Za-z_-][A-Za-z0-9_-]*(\\.[A-Za-z_-][A-Za-z0-9_-]*)+\\z"));
+    constexpr qsizetype Longest = 255;
+    return busName.size() <= Longest && form.match(busName).hasMatch();
 }
 
 } // namespace
@@ -66,6 +76,19 @@ bool SessionApplications::claim(const QString& bundleIdentifier)
     return answer.value() == PrimaryOwner || answer.value() == AlreadyOwner;
 }
 
+bool SessionApplications::open(const QString& bundleIdentifier, const QStringList& addresses) const
+{
+    const QString name = busName(bundleIdentifier);
+    if (!isLegal(name) || !m_bus.isConnected())
+        return false;
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        name, objectPath(bundleIdentifier), QStringLiteral("org.freedesktop.Application"),
+        QStringLiteral("Open"));
+    call.setArguments({addresses, QVariantMap()});
+    call.setAutoStartService(false);
+    return m_bus.call(call, QDBus::Block, BusTimeout).type() == QDBusMessage::ReplyMessage;
+}
+
 QString SessionApplications::busName(const QString& bundleIdentifier)
 {
     QStringList elements = bundleIdentifier.split(u'.');
@@ -74,6 +97,13 @@ QString SessionApplications::busName(const QString& bundleIdentifier)
             element.prepend(u'_');
     }
     return elements.join(u'.');
+}
+
+QString SessionApplications::objectPath(const QString& bundleIdentifier)
+{
+    QString path = busName(bundleIdentifier);
+    path.replace(u'.', u'/').replace(u'-', u'_');
+    return u'/' + path;
 }
 
 QString SessionApplications::lockPath(const QString& bundleIdentifier) const

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -29,8 +30,14 @@ public:
     /// another process is.
     bool claim(const QString& bundleIdentifier);
 
+    /// Hands addresses to the running application of that identifier and waits until it has them.
+    /// False if none is running, or it doesn't answer; nothing is started. Needs a bus.
+    [[nodiscard]] bool open(const QString& bundleIdentifier, const QStringList& addresses) const;
+
     /// The bus name of an identifier: an element that begins with a digit gets a "_" before it.
     [[nodiscard]] static QString busName(const QString& bundleIdentifier);
+    /// Where that application's object is, as the desktop's rules have it.
+    [[nodiscard]] static QString objectPath(const QString& bundleIdentifier);
 
 private:
     [[nodiscard]] QString lockPath(const QString& bundleIdentifier) const;

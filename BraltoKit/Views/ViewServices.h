@@ -6,6 +6,7 @@
 #include "Base/KeyboardLayout.h"
 #include "Base/Motion.h"
 #include "Base/Zoom.h"
+#include "Terminals/PaneMenu.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/WindowLayout.h"
 #include "Workspace/Workspace.h"
@@ -28,10 +29,13 @@ struct ViewServices {
     Motion& motion;
     Zoom& zoom;
     WindowLayout::Role role = WindowLayout::Role::HomeApplication;
-    /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`.
-    std::function<QWidget*(ConsolePane&)> makePane;
+    /// Makes what fills a pane of the console. It takes the keyboard by `setFocus`. The theme is
+    /// that of the pane, and outlives what is made.
+    std::function<QWidget*(ConsolePane&, Theme&)> makePane;
     /// Null if nothing is known of the keyboard: then terminals tell no alternate keys.
     const KeyboardLayout* keyboard = nullptr;
+    /// What the menu of a pane does with what `makePane` made; nothing without it.
+    std::function<PaneMenu::Hooks(QWidget&)> paneHooks = {};
 };
 
 } // namespace Bralto

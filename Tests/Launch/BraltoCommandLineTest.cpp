@@ -9,6 +9,8 @@ class CommandLine : public testing::Test {
 protected:
     QStringList installed;
     QString failure;
+    QStringList delivered;
+    bool isRunning = true;
     QString out;
     QString err;
 
@@ -24,6 +26,10 @@ protected:
                 return "/apps/" + folder.mid(1) + ".app";
             },
             "1.2",
+            [this](const QString& bundleIdentifier, const QString& address) {
+                delivered.append(bundleIdentifier + ' ' + address);
+                return isRunning;
+            },
         };
         return BraltoCommandLine::handle(arguments, actions, {outStream, errStream});
     }
@@ -124,11 +130,37 @@ TEST_F(CommandLine, AnInstallWithoutAFolderLetsTheIconHaveItsTurn)
     EXPECT_EQ(installed, QStringList());
 }
 
+TEST_F(CommandLine, DeliveringHandsALinkToARunningApplication)
+{
+    EXPECT_EQ(handle({"bralto", "--deliver", "com.example", "https://a"}), 0);
+
+    EXPECT_EQ(delivered, QStringList{"com.example https://a"});
+    EXPECT_EQ(out + err, "");
+}
+
+TEST_F(CommandLine, ADeliveryThatNobodyTakesEndsWithOne)
+{
+    isRunning = false;
+
+    EXPECT_EQ(handle({"bralto", "--deliver", "com.example", "https://a"}), 1);
+
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "Couldn’t deliver the link: com.example isn’t running.\n");
+}
+
+TEST_F(CommandLine, DeliveringWithoutAnAddressStartsTheApplication)
+{
+    EXPECT_EQ(handle({"bralto", "--deliver", "com.example"}), std::nullopt);
+    EXPECT_EQ(handle({"bralto", "--deliver"}), std::nullopt);
+    EXPECT_EQ(delivered, QStringList());
+}
+
 TEST_F(CommandLine, HelpNamesEveryOptionAndWhatIsMissing)
 {
     EXPECT_EQ(handle({"bralto", "--help"}), 0);
 
-    for (const char* option : {"--install-space", "--mcp", "--render-icon", "--help", "--version"})
+    for (const char* option :
+         {"--install-space", "--deliver", "--mcp", "--render-icon", "--help", "--version"})
         EXPECT_TRUE(out.contains(option)) << option;
     EXPECT_EQ(out.simplified().count("not available in this version"), 2);
     EXPECT_EQ(err, "");

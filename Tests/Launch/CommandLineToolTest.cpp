@@ -67,6 +67,14 @@ TEST_F(CommandInAProcess, AnInstallThatFailsSaysWhyOnStandardError)
     EXPECT_EQ(errors(), "Couldn’t install the folder app: Not a directory\n");
 }
 
+TEST_F(CommandInAProcess, ALinkThatNobodyTakesEndsWithOne)
+{
+    EXPECT_EQ(run({"--deliver", "com.tolvane.bralto", "https://a"}), 1);
+
+    EXPECT_EQ(output(), "");
+    EXPECT_EQ(errors(), "Couldn’t deliver the link: com.tolvane.bralto isn’t running.\n");
+}
+
 TEST_F(CommandInAProcess, OptionsThatAreNotThereYetEndWithTwo)
 {
     EXPECT_EQ(run({"--mcp"}), 2);

@@ -121,6 +121,24 @@ TEST_F(ProgramChatHostTest, NamesThePaneAndTheBundleInTheEnvironment)
     EXPECT_EQ(PaneEnvironment::value(environment, "BRALTO_BUNDLE_ID"), "com.tolvane.bralto");
 }
 
+TEST_F(ProgramChatHostTest, GivesAnAgentTheProgramsFolderAndItsShellTheStartUpFiles)
+{
+    const AppPaths paths(m_home.path());
+    const QStringList own{"HOME=/home/user", "PATH=/usr/bin:/bin"};
+
+    const QStringList environment = host({}, own).environment("pane", "/project", "/bin/zsh");
+
+    EXPECT_EQ(
+        environment,
+        (QStringList{"HOME=/home/user", "PATH=" + paths.bin() + ":/usr/bin:/bin",
+                     "TERM=xterm-256color", "COLORTERM=truecolor", "TERM_PROGRAM=Bralto",
+                     "LANG=en_US.UTF-8", "BRALTO_PANE=pane", "BRALTO_PROJECT=/project",
+                     "BRALTO_BIN=" + paths.bin(), "BROWSER=" + paths.bin() + "/bralto-browser",
+                     "BRALTO_USER_ZDOTDIR=/home/user", "ZDOTDIR=" + paths.zsh()}));
+    EXPECT_TRUE(QFileInfo(paths.bin() + "/xdg-open").isExecutable());
+    EXPECT_TRUE(QFileInfo(paths.zsh() + "/.zshenv").isFile());
+}
+
 TEST_F(ProgramChatHostTest, NamesNoBundleOutsideOne)
 {
     LaunchRole role;

@@ -20,6 +20,12 @@ TEST(SessionApplications, AnElementThatBeginsWithADigitIsMadeLegal)
               "com.tolvane.bralto.space.a12b3c4d5e6f");
 }
 
+TEST(SessionApplications, AnApplicationsObjectIsNamedAfterIt)
+{
+    EXPECT_EQ(SessionApplications::objectPath(Home), "/com/tolvane/bralto");
+    EXPECT_EQ(SessionApplications::objectPath("com.example.my-app.1x"), "/com/example/my_app/_1x");
+}
+
 TEST(SessionApplications, LocksLieInTheFolderOfTheSessionOrElseInTheSupportFolder)
 {
     const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
@@ -67,6 +73,24 @@ TEST_F(ApplicationsOnABus, OnlyOneProcessCanClaimAnIdentifier)
     EXPECT_TRUE(first->claim(Space));
     EXPECT_FALSE(second->claim(Space));
     EXPECT_TRUE(second->claim(Home));
+}
+
+TEST_F(ApplicationsOnABus, NothingIsOpenedByAnApplicationThatDoesntRunOrHasNoName)
+{
+    const auto home = process();
+
+    for (const QString& identifier :
+         QStringList{Space, "", "word", "a b.c", "..", "com.x\n.y", "com.x\n", ":1.1",
+                     QString("a.").repeated(200) + 'a'})
+        EXPECT_FALSE(home->open(identifier, {"https://a"})) << qPrintable(identifier);
+}
+
+TEST_F(ApplicationsOnABus, AnApplicationThatKnowsNoAddressesOpensNone)
+{
+    const auto project = process();
+    ASSERT_TRUE(project->claim(Space));
+
+    EXPECT_FALSE(process()->open(Space, {"https://a"}));
 }
 
 TEST_F(ApplicationsOnABus, AProcessThatEndsRunsNoMore)
@@ -125,6 +149,14 @@ TEST_F(ApplicationsWithoutABus, AskingMakesNoFile)
     EXPECT_FALSE(process()->isRunning(Space));
 
     EXPECT_FALSE(QDir(runtime).exists());
+}
+
+TEST_F(ApplicationsWithoutABus, NothingCanBeHandedOver)
+{
+    const auto project = process();
+    ASSERT_TRUE(project->claim(Space));
+
+    EXPECT_FALSE(process()->open(Space, {"https://a"}));
 }
 
 TEST_F(ApplicationsWithoutABus, WithNoPlaceForTheLockNothingIsClaimed)

@@ -51,7 +51,9 @@ public:
                 .motion = motion,
                 .zoom = zoom,
                 .role = role,
-                .makePane = [](ConsolePane& pane) { return new FakePaneContent(pane); }};
+                .makePane = [](ConsolePane& pane, Theme& /*look*/) {
+                    return new FakePaneContent(pane);
+                }};
     }
 
     /// A file of the project in a tab of its own.

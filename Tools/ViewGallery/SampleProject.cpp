@@ -1,11 +1,27 @@
 #include "Tools/ViewGallery/SampleProject.h"
 
 #include "Projects/ProjectUse.h"
+#include "Views/Chat/ChatView.h"
+#include "Views/Terminal/TerminalView.h"
 
 #include <QWidget>
 
+#include <utility>
+
 namespace Bralto {
 namespace {
+
+constexpr char ShellOutput[] =
+    "\x1b[36mtidal-api\x1b[m main % ctest --preset dev -R store\r\n"
+    " 1/6 store.level_between ...... \x1b[32mPassed\x1b[m\r\n"
+    " 2/6 store.level_outside ...... \x1b[32mPassed\x1b[m\r\n"
+    " 3/6 store.first_sample ....... \x1b[33mSkipped\x1b[m\r\n"
+    " 4/6 store.last_sample ........ \x1b[32mPassed\x1b[m\r\n"
+    "\x1b[1;32m100% passed\x1b[m\x1b[2m, 1 skipped in 0.21 s\x1b[m\r\n\r\n"
+    "\x1b[36mtidal-api\x1b[m main % git log --oneline -2\r\n"
+    "\x1b[33m3f9c1ab\x1b[m Ask the series for its range\r\n"
+    "\x1b[33m91d07e2\x1b[m Answer 404 out of range\r\n\r\n"
+    "\x1b[36mtidal-api\x1b[m main % ";
 
 constexpr char Source[] = R"(#include "tidal/tide_store.hpp"
 
@@ -168,6 +184,12 @@ ViewServices SampleProject::open(Where where, Theme::System system)
     m_workspace = m_harness.make(project, Pages::Unavailable);
     m_zoom = std::make_unique<Zoom>(m_harness.shared);
     m_theme = std::make_unique<Theme>(system, m_workspace->space());
+    m_where = where;
+    return services(where);
+}
+
+ViewServices SampleProject::services(Where where)
+{
     return {.workspace = *m_workspace,
             .theme = *m_theme,
             .desktop = m_harness.desktop,
@@ -177,7 +199,7 @@ ViewServices SampleProject::open(Where where, Theme::System system)
             .zoom = *m_zoom,
             .role = where == Where::Home ? WindowLayout::Role::HomeApplication
                                          : WindowLayout::Role::FolderApplication,
-            .makePane = [](ConsolePane&) { return new QWidget; }};
+            .makePane = [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
 }
 
 void SampleProject::openTabs()
@@ -189,11 +211,50 @@ void SampleProject::openTabs()
         m_workspace->openFile(root + file);
 }
 
-void SampleProject::openConsole(int conversations)
+QWidget* SampleProject::makePane(ConsolePane& pane, Theme& look)
 {
-    m_workspace->terminal().show();
-    for (int at = 1; at < conversations; ++at)
-        m_workspace->terminal().addPane(PaneKind::Chat);
+    if (ClaudeChat* chat = pane.chat())
+        return new ChatView(*chat, look, m_harness.chats.clock, m_files);
+    auto* view = new TerminalView(services(m_where), *pane.terminal());
+    const auto applyStyle = [view, &pane] { view->setStyle(pane.style()); };
+    QObject::connect(&pane, &ConsolePane::styleChanged, view, applyStyle);
+    applyStyle();
+    return view;
+}
+
+void SampleProject::writeShell()
+{
+    m_harness.panes.process().write(ShellOutput);
+}
+
+void SampleProject::openConsole()
+{
+    TerminalPanel& panel = m_workspace->terminal();
+    panel.addGroup(PaneKind::Chat, std::nullopt);
+    panel.groups().back()->panes().front()->setName("Level out of range");
+    panel.addPane(PaneKind::Shell);
+    panel.groups().back()->panes().back()->setName("zsh");
+    writeShell();
+    panel.addGroup(PaneKind::Shell, std::nullopt);
+    panel.groups().back()->setName("server");
+    panel.activateGroup(panel.groups().front().get());
+    panel.markFocused(panel.groups().front()->panes().front().get());
+    panel.show();
+}
+
+void SampleProject::openThemes(std::span<const PaneTheme> themes)
+{
+    TerminalPanel& panel = m_workspace->terminal();
+    for (const PaneTheme& theme : themes) {
+        panel.addPane(PaneKind::Shell);
+        writeShell();
+        ConsolePane& pane = *panel.activeGroup()->focusedPane();
+        pane.setName(theme.name);
+        PaneStyle style;
+        style.theme = theme.id;
+        pane.setStyle(style);
+    }
+    panel.show();
 }
 
 } // namespace Bralto

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Chat/ChatFileIndex.h"
 #include "Tests/Support/WorkspaceHarness.h"
 #include "Views/ViewServices.h"
+
+#include <span>
 
 namespace Bralto {
 
@@ -20,18 +23,27 @@ public:
     [[nodiscard]] Theme& theme() const { return *m_theme; }
     /// Opens the tabs of the sample, the second file active.
     void openTabs();
-    void openConsole(int conversations);
+    /// A conversation and a shell side by side, and a tab with another shell.
+    void openConsole();
+    /// A tab with a shell for each of the themes, which shows what a terminal of it looks like.
+    void openThemes(std::span<const PaneTheme> themes);
 
 private:
+    [[nodiscard]] ViewServices services(Where where);
+    [[nodiscard]] QWidget* makePane(ConsolePane& pane, Theme& look);
+    /// The newest shell has written a build's last lines.
+    void writeShell();
     void writeFiles();
     void writeRecents();
     [[nodiscard]] QString folder(const QString& name) const;
 
     WorkspaceHarness m_harness;
+    ChatFileIndex m_files;
     Motion m_motion{m_harness.scheduler()};
     std::unique_ptr<Zoom> m_zoom;
     std::unique_ptr<Theme> m_theme;
     std::unique_ptr<Workspace> m_workspace;
+    Where m_where = Where::Project;
 };
 
 } // namespace Bralto

@@ -7,6 +7,11 @@
 
 #include "Tools/ViewGallery/SampleProject.h"
 
+#include "Views/Console/ConsoleHead.h"
+#include "Views/Console/GroupChip.h"
+#include "Views/Console/PaneStyleEditor.h"
+#include "Views/Console/PaneView.h"
+#include "Views/Console/TerminalPanelView.h"
 #include "Views/Dialogs/AlertDialog.h"
 #include "Views/Dialogs/PromptDialog.h"
 #include "Views/Editor/CodeText.h"
@@ -35,6 +40,8 @@ struct Shot {
     QSize size{1440, 900};
     Where where = Where::Project;
     std::function<void(SampleProject&)> arrange;
+    /// What is done in the window before its picture is taken.
+    std::function<void(TerminalPanelView&)> act = nullptr;
 };
 
 void withTabs(SampleProject& project)
@@ -45,8 +52,68 @@ void withTabs(SampleProject& project)
 void withConsole(SampleProject& project)
 {
     project.openTabs();
-    project.openConsole(2);
+    project.openConsole();
     project.workspace().terminal().setEditorFraction(0.3);
+}
+
+void withConsoleAlone(SampleProject& project)
+{
+    project.openConsole();
+}
+
+void withThemes(SampleProject& project)
+{
+    project.openThemes(PaneTheme::all().first(4));
+}
+
+void withOtherThemes(SampleProject& project)
+{
+    project.openThemes(PaneTheme::all().last(4));
+}
+
+void withManyPanes(SampleProject& project)
+{
+    project.openConsole();
+    for (int at = 2; at < 12; ++at)
+        project.workspace().terminal().addPane(PaneKind::Shell);
+}
+
+void withOnePane(SampleProject& project)
+{
+    project.workspace().terminal().newTab(std::nullopt);
+}
+
+/// The console's pane there; the first is 0.
+PaneView& paneOf(TerminalPanelView& console, std::size_t at)
+{
+    return *console.paneView(console.panel().activeGroup()->panes()[at]->id());
+}
+
+void dragPane(TerminalPanelView& console)
+{
+    const auto& panes = console.panel().activeGroup()->panes();
+    console.drag().start({ConsoleDrag::Kind::Pane, panes[0]->id()});
+    console.drag().point(
+        {ConsoleDrag::Target::Place::Pane, panes[1]->id(), ConsoleDrag::Edge::Trailing});
+}
+
+void dragTab(TerminalPanelView& console)
+{
+    const auto& groups = console.panel().groups();
+    console.drag().start({ConsoleDrag::Kind::Group, groups[1]->id()});
+    console.drag().point(
+        {ConsoleDrag::Target::Place::Chip, groups[0]->id(), ConsoleDrag::Edge::Leading});
+}
+
+void dragToHead(TerminalPanelView& console)
+{
+    dragPane(console);
+    console.drag().point({ConsoleDrag::Target::Place::NewTab, {}, {}});
+}
+
+void rename(TerminalPanelView& console)
+{
+    console.head().chips().front()->rename();
 }
 
 void withSplit(SampleProject& project)
@@ -63,6 +130,19 @@ std::vector<Shot> shots()
         {"window-light", Coral, false, {1440, 900}, Where::Project, withConsole},
         {"window-wide", Lemon, true, {1920, 1080}, Where::Project, withConsole},
         {"window-narrow", Harbour, true, {640, 420}, Where::Project, withConsole},
+        {"console-dark", Harbour, true, {1180, 640}, Where::Project, withConsoleAlone},
+        {"console-light", Coral, false, {1180, 640}, Where::Project, withConsoleAlone},
+        {"console-wide", Plum, true, {1920, 1080}, Where::Project, withConsoleAlone},
+        {"console-narrow", Harbour, true, {640, 420}, Where::Project, withConsoleAlone},
+        {"console-one", Harbour, true, {640, 420}, Where::Project, withOnePane},
+        {"console-many", Sky, true, {1180, 640}, Where::Project, withManyPanes},
+        {"console-rename", Mint, false, {1180, 640}, Where::Project, withConsoleAlone, rename},
+        {"drag-pane-dark", Harbour, true, {1180, 640}, Where::Project, withConsoleAlone, dragPane},
+        {"drag-pane-light", Coral, false, {1180, 640}, Where::Project, withConsoleAlone, dragPane},
+        {"drag-tab", Harbour, true, {1180, 640}, Where::Project, withConsoleAlone, dragTab},
+        {"drag-head", Harbour, true, {1180, 640}, Where::Project, withConsoleAlone, dragToHead},
+        {"themes-dark", Slate, true, {1560, 480}, Where::Project, withThemes},
+        {"themes-light", Mint, false, {1560, 480}, Where::Project, withOtherThemes},
         {"editor-dark", Slate, true, {1180, 780}, Where::Project, withTabs},
         {"split-dark", Plum, true, {1280, 800}, Where::Project, withSplit},
         {"split-light", Mint, false, {1280, 800}, Where::Project, withSplit},
@@ -115,7 +195,43 @@ bool take(const Shot& shot, const QString& folder)
             editor->code()->setFocus();
         }
     }
+    if (shot.act) {
+        QCoreApplication::processEvents();
+        shot.act(root->detail()->console());
+    }
     return save(window, folder, shot.name);
+}
+
+/// The menus of the console, and the editor of a pane's look.
+bool takeConsoleFloating(const QString& folder, const QString& suffix, bool dark)
+{
+    SpaceTheme look;
+    look.color = dark ? SpaceColor::Harbour : SpaceColor::Mint;
+    look.appearance = dark ? SpaceAppearance::Dark : SpaceAppearance::Light;
+    SampleProject project(look);
+    const ViewServices services =
+        project.open(Where::Project, {.dark = dark, .reducedMotion = true});
+    project.openConsole();
+    TerminalPanelView console(services, project.workspace().terminal(), nullptr);
+    console.resize(900, 500);
+    console.show();
+    ConsolePane& pane = *console.panel().activeGroup()->panes()[1];
+    PaneStyle style;
+    style.theme = "ocean";
+    pane.setStyle(style);
+    bool saved = true;
+    for (QMenu* menu :
+         {paneOf(console, 1).makeMenu().release(), console.head().makeNewMenu().release()}) {
+        menu->popup({10, 10});
+        saved =
+            save(*menu, folder, (menu->actions().size() > 6 ? "pane-menu" : "new-menu") + suffix) &&
+            saved;
+        menu->close();
+    }
+    PaneStyleEditor editor(services.theme, services.defaults.shared, pane, nullptr);
+    editor.setAttribute(Qt::WA_DeleteOnClose, false);
+    editor.open({500, 100});
+    return save(editor, folder, "style-editor" + suffix) && saved;
 }
 
 bool takeFloating(const QString& folder)
@@ -143,6 +259,7 @@ bool takeFloating(const QString& folder)
                             nullptr);
         prompt.show();
         saved = save(prompt, folder, "prompt" + suffix) && saved;
+        saved = takeConsoleFloating(folder, suffix, dark) && saved;
         PopupMenu menu(theme);
         menu.addAction("New File");
         menu.addAction("Hide Sidebar\tCtrl+S");

@@ -22,6 +22,14 @@ struct Course {
 
 /// Panels and columns that come and go.
 inline constexpr Course Toggle{Motion::ToggleSpring, std::chrono::milliseconds(340)};
+/// Panes that come and go, and what gives way to them.
+inline constexpr Course Panel{{std::chrono::milliseconds(320), 1.0},
+                              std::chrono::milliseconds(480)};
+/// Panes and tabs that were dragged to another place.
+inline constexpr Course Drag{{std::chrono::milliseconds(350), 0.82},
+                             std::chrono::milliseconds(480)};
+/// A pane that shows its conversation in another way.
+inline constexpr Course Swap{{std::chrono::milliseconds(250), 1.0}, std::chrono::milliseconds(370)};
 /// The frame when its colour changes.
 inline constexpr Course Frame{{std::chrono::milliseconds(350), 1.0},
                               std::chrono::milliseconds(500)};

@@ -12,6 +12,8 @@
 #include <QProxyStyle>
 #include <QStyleOptionMenuItem>
 
+#include <algorithm>
+
 namespace Bralto {
 namespace {
 
@@ -20,6 +22,18 @@ constexpr int Gap = 9;
 constexpr int TickColumn = Measure::RowIcon + Gap;
 constexpr int LineHeight = 9;
 constexpr int ShortcutGap = 28;
+constexpr char SymbolProperty[] = "bralto.symbol";
+constexpr char DestructiveProperty[] = "bralto.destructive";
+
+/// Whether one of the menu's entries has a symbol, for which all of them leave room.
+bool hasSymbols(const QMenu* menu)
+{
+    if (!menu)
+        return false;
+    const QList<QAction*> actions = menu->actions();
+    return std::ranges::any_of(
+        actions, [](const QAction* each) { return each->property(SymbolProperty).isValid(); });
+}
 
 /// Draws menus with the tokens of one window.
 class MenuStyle final : public QProxyStyle {
@@ -72,6 +86,8 @@ public:
         int width = int(TextLine::width(TextRole::Body, words(*item)) + 1) + 2 * Padding;
         if (item->menuHasCheckableItems)
             width += TickColumn;
+        if (hasSymbols(qobject_cast<const QMenu*>(widget)))
+            width += TickColumn;
         width += item->text.contains(u'\t') ? ShortcutGap : Measure::Space4;
         if (item->menuItemType == QStyleOptionMenuItem::SubMenu)
             width += Measure::RowIcon;
@@ -96,7 +112,7 @@ public:
             return;
         const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
         if (element == CE_MenuItem && item)
-            drawItem(*painter, *item);
+            drawItem(*painter, *item, qobject_cast<const QMenu*>(widget));
         else
             QProxyStyle::drawControl(element, option, painter, widget);
     }
@@ -111,7 +127,7 @@ private:
         return title.replace(u'\x1f', u'&');
     }
 
-    void drawItem(QPainter& painter, const QStyleOptionMenuItem& item) const
+    void drawItem(QPainter& painter, const QStyleOptionMenuItem& item, const QMenu* menu) const
     {
         const Tokens& tokens = m_theme.tokens();
         const QRectF row = item.rect;
@@ -127,7 +143,9 @@ private:
         if (selected)
             Shape::fill(painter, row, Measure::ControlRadius, tokens.selection);
 
-        const QColor ink = enabled ? tokens.label : tokens.ink4;
+        const QAction* action = menu ? menu->actionAt(item.rect.center()) : nullptr;
+        const bool destructive = action && action->property(DestructiveProperty).toBool();
+        const QColor ink = !enabled ? tokens.ink4 : destructive ? tokens.failed : tokens.label;
         QRectF content = row.adjusted(Padding, 0, -Padding, 0);
         if (item.menuHasCheckableItems) {
             const QRectF tick(content.left(), row.center().y() - Measure::RowIcon / 2.0,
@@ -135,6 +153,15 @@ private:
             if (item.checked)
                 Icon::draw(painter, tick, QStringLiteral("checkmark"),
                            selected ? tokens.label : tokens.accentInk);
+            content.setLeft(content.left() + TickColumn);
+        }
+        if (hasSymbols(menu)) {
+            const QRectF symbol(content.left(), row.center().y() - Measure::RowIcon / 2.0,
+                                Measure::RowIcon, Measure::RowIcon);
+            const QString name = action ? action->property(SymbolProperty).toString() : QString();
+            if (!name.isEmpty())
+                Icon::draw(painter, symbol, name,
+                           enabled && !destructive && !selected ? tokens.ink2 : ink);
             content.setLeft(content.left() + TickColumn);
         }
         if (item.menuItemType == QStyleOptionMenuItem::SubMenu) {
@@ -197,6 +224,16 @@ void PopupMenu::dress(QMenu& menu, Theme& theme)
     QObject::disconnect(&menu, &QMenu::aboutToShow, &theme, nullptr);
     QObject::connect(&menu, &QMenu::aboutToShow, &theme,
                      [&menu, &theme] { dressAll(menu, theme); });
+}
+
+void PopupMenu::setSymbol(QAction& action, const QString& symbol)
+{
+    action.setProperty(SymbolProperty, symbol);
+}
+
+void PopupMenu::setDestructive(QAction& action)
+{
+    action.setProperty(DestructiveProperty, true);
 }
 
 } // namespace Bralto

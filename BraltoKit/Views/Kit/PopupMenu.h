@@ -15,6 +15,11 @@ public:
 
     /// Gives a menu that somebody else made the same look, and its submenus whenever they show.
     static void dress(QMenu& menu, Theme& theme);
+
+    /// The symbol before an entry's title.
+    static void setSymbol(QAction& action, const QString& symbol);
+    /// Marks an entry after which something is lost.
+    static void setDestructive(QAction& action);
 };
 
 } // namespace Bralto

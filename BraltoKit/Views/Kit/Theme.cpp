@@ -1,5 +1,7 @@
 #include "Views/Kit/Theme.h"
 
+#include <utility>
+
 namespace Bralto {
 namespace {
 
@@ -20,6 +22,25 @@ Theme::Theme(System system, const SpaceTheme& space, QObject* parent)
     , m_source(sourceFor(space, system))
     , m_tokens(m_source)
 {
+}
+
+Theme::Theme(const Theme& window, Dress dress, QObject* parent)
+    : QObject(parent)
+    , m_window(&window)
+    , m_dress(std::move(dress))
+    , m_space(window.m_space)
+    , m_source(window.m_source)
+    , m_tokens(m_dress(window.tokens()))
+{
+    connect(&window, &Theme::changed, this, [this] { setDress(m_dress); });
+}
+
+void Theme::setDress(Dress dress)
+{
+    m_dress = std::move(dress);
+    m_space = m_window->m_space;
+    m_tokens = m_dress(m_window->tokens());
+    emit changed();
 }
 
 void Theme::setSpace(const SpaceTheme& space)

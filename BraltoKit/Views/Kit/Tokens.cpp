@@ -104,15 +104,6 @@ Tokens::Code codeTokens(bool dark)
     };
 }
 
-std::array<QColor, 8> ansiColors(bool dark)
-{
-    if (dark)
-        return {hex(0x55585E), hex(0xF2756F), hex(0x7FCB95), hex(0xE8B657),
-                hex(0x82AEF5), hex(0xC79BE8), hex(0x6FC3D4), hex(0xECECEE)};
-    return {hex(0x1C1C1E), hex(0xC3342E), hex(0x1A7A43), hex(0x8F6000),
-            hex(0x2558C4), hex(0x8A3FB5), hex(0x0B6E80), hex(0x6E6E6F)};
-}
-
 void setSurfaces(Tokens& tokens)
 {
     const bool dark = tokens.dark;
@@ -170,6 +161,15 @@ void setStatus(Tokens& tokens)
 }
 
 } // namespace
+
+std::array<QColor, 8> ansiColors(bool dark)
+{
+    if (dark)
+        return {hex(0x55585E), hex(0xF2756F), hex(0x7FCB95), hex(0xE8B657),
+                hex(0x82AEF5), hex(0xC79BE8), hex(0x6FC3D4), hex(0xECECEE)};
+    return {hex(0x1C1C1E), hex(0xC3342E), hex(0x1A7A43), hex(0x8F6000),
+            hex(0x2558C4), hex(0x8A3FB5), hex(0x0B6E80), hex(0x6E6E6F)};
+}
 
 TokenSource TokenSource::from(const SpaceTheme& theme, bool dark)
 {

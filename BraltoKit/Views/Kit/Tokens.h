@@ -118,6 +118,9 @@ struct Tokens {
     std::array<QColor, 8> ansi;
 };
 
+/// What a terminal shows its eight normal colours with, in the order of `Tokens::ansi`.
+[[nodiscard]] std::array<QColor, 8> ansiColors(bool dark);
+
 /// Sizes in logical units at zoom 1.
 namespace Measure {
 

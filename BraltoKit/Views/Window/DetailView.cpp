@@ -7,9 +7,18 @@
 #include "Views/Window/Seam.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace Bralto {
+namespace {
+
+constexpr double MiddleFraction = 0.5;
+/// No way of the console takes longer.
+constexpr std::chrono::seconds LongestMotion{1};
+
+} // namespace
 
 DetailView::DetailView(const ViewServices& services, QWidget* parent)
     : ThemedWidget(services.theme, parent)
@@ -19,16 +28,22 @@ DetailView::DetailView(const ViewServices& services, QWidget* parent)
     , m_seam(new Seam(services.theme, Seam::Direction::UpAndDown, tr("Resize editor and terminal"),
                       this))
     , m_share(new Animated(services.theme, Motions::Toggle, 1, this))
+    , m_fraction(new Animated(services.theme, Motions::Panel, MiddleFraction, this))
     , m_hold(services.motion)
 {
     Workspace& workspace = services.workspace;
     connect(m_share, &Animated::valueChanged, this, &DetailView::place);
     connect(m_share, &Animated::settled, this, &DetailView::dropEditor);
+    connect(m_share, &Animated::settled, this, &DetailView::releasePanes);
+    connect(m_fraction, &Animated::valueChanged, this,
+            [this](double fraction) { m_console->panel().setEditorFraction(fraction); });
+    connect(m_fraction, &Animated::settled, this, &DetailView::releasePanes);
     connect(&workspace, &Workspace::terminalChanged, this, &DetailView::followPanel);
     const auto settle = [this] { settleEditor(Step::Animated); };
     connect(&workspace, &Workspace::activeTabChanged, this, settle);
     connect(&workspace, &Workspace::rootMissingChanged, this, &DetailView::showMissing);
     connect(m_seam, &Seam::dragStarted, this, [this] {
+        m_fraction->jumpTo(m_console->panel().editorFraction());
         m_fractionAtStart = m_console->panel().editorFraction();
         m_hold.begin(QStringLiteral("drag console seam"));
     });
@@ -40,10 +55,30 @@ DetailView::DetailView(const ViewServices& services, QWidget* parent)
         if (share)
             m_console->panel().setEditorFraction(*share);
     });
-    connect(m_seam, &Seam::doubleClicked, this,
-            [this] { m_console->panel().setEditorFraction(0.5); });
+    connect(m_seam, &Seam::doubleClicked, this, [this] {
+        m_fraction->jumpTo(m_console->panel().editorFraction());
+        holdPanes();
+        m_fraction->moveTo(MiddleFraction);
+    });
     followPanel();
     showMissing();
+}
+
+DetailView::~DetailView()
+{
+    releasePanes();
+}
+
+/// Terminals keep their grid until the console has its height.
+void DetailView::holdPanes()
+{
+    if (m_motion == 0)
+        m_motion = m_services.motion.begin(QStringLiteral("resize console"), LongestMotion);
+}
+
+void DetailView::releasePanes()
+{
+    m_services.motion.end(std::exchange(m_motion, 0));
 }
 
 void DetailView::followPanel()
@@ -55,7 +90,13 @@ void DetailView::followPanel()
     m_console = new TerminalPanelView(m_services, panel, this);
     const auto settle = [this] { settleEditor(Step::Animated); };
     connect(&panel, &TerminalPanel::isVisibleChanged, m_console, settle);
-    connect(&panel, &TerminalPanel::isMaximizedChanged, m_console, settle);
+    connect(&panel, &TerminalPanel::isMaximizedChanged, m_console, [this] {
+        if (isVisible() && !theme().reducedMotion())
+            holdPanes();
+        settleEditor(Step::Animated);
+        if (!m_share->isMoving())
+            releasePanes();
+    });
     connect(&panel, &TerminalPanel::editorFractionChanged, m_console,
             [this] { settleEditor(Step::AtOnce); });
     connect(&panel, &TerminalPanel::focusReturned, m_console, [this] { m_panes->takeFocus(); });

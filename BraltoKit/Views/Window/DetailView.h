@@ -17,6 +17,7 @@ class DetailView final : public ThemedWidget {
 
 public:
     DetailView(const ViewServices& services, QWidget* parent);
+    ~DetailView() override;
 
     [[nodiscard]] EditorPanes& panes() const { return *m_panes; }
     [[nodiscard]] TerminalPanelView& console() const { return *m_console; }
@@ -32,6 +33,8 @@ private:
     void settleEditor(Step step);
     void place();
     void dropEditor();
+    void holdPanes();
+    void releasePanes();
     void showMissing();
     [[nodiscard]] EditorLayout target() const;
     [[nodiscard]] double wantedShare() const;
@@ -42,7 +45,9 @@ private:
     TerminalPanelView* m_console = nullptr;
     Seam* m_seam;
     EditorLayout m_layout = EditorLayout::Full;
-    Animated* m_share; ///< The editor's part of the height: 1 is all of it.
+    Animated* m_share;    ///< The editor's part of the height: 1 is all of it.
+    Animated* m_fraction; ///< The seam on its way back to the middle.
+    quint64 m_motion = 0; ///< The hold while terminals change their height; 0 if they don't.
     double m_fractionAtStart = 0;
     ResizeHold m_hold;
 };

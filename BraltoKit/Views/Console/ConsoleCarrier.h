@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Terminals/ConsoleDrag.h"
+#include "Terminals/ConsoleDrop.h"
+
+#include "Views/Kit/Tokens.h"
+
+#include <QPixmap>
+
+class QDropEvent;
+class QWidget;
+
+/// A drag of a pane or a tab as the window system sees it.
+namespace Bralto::ConsoleCarrier {
+
+/// The picture of what is dragged: rounded, somewhat see-through, with a shadow, at most so wide
+/// as a tab and a half. `grip` is the place of the pointer in the widget, and becomes that in the
+/// picture.
+[[nodiscard]] QPixmap picture(QWidget& widget, int radius, const Tokens& tokens, QPoint& grip);
+
+/// Drags `item` until the user lets go of it. Runs an event loop, so the caller may be gone
+/// afterwards; `drag` may go meanwhile, `window` may not.
+void run(QWidget& window, ConsoleDrag& drag, const ConsoleDrag::Item& item, const QPixmap& picture,
+         const QPoint& grip);
+
+/// What a drop event over `target` tells a delegate.
+[[nodiscard]] ConsoleDropInfo info(const QDropEvent& event, const QWidget& target);
+
+} // namespace Bralto::ConsoleCarrier
