@@ -307,6 +307,8 @@ void TerminalInput::pointerLeft()
 
 void TerminalInput::focusChanged(QFocusEvent* event)
 {
+    if (event->gotFocus() && event->reason() == Qt::MouseFocusReason)
+        m_pointer->noteFocusByClick();
     if (event->lostFocus()) {
         m_held.clear();
         m_pointer->holdModifiers({});

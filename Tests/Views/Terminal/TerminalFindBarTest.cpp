@@ -47,7 +47,7 @@ TEST_F(TerminalFindBarTest, OpensWithTheKeyboardAndGivesItBack)
     key(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(bar().isVisible());
     EXPECT_TRUE(field().hasFocus());
-    EXPECT_EQ(bar().geometry().right(), view->width() - 1 - Measure::Space2);
+    EXPECT_EQ(bar().geometry().right(), view->width() - 1 - Measure::Space4);
 
     type(Qt::Key_Escape);
     EXPECT_FALSE(bar().isVisible());
