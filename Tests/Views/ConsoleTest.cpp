@@ -315,7 +315,8 @@ TEST_F(ConsoleTest, ADoubleClickOnAHeadNamesItsPane)
 
 TEST_F(ConsoleTest, AChipIsNamedAndClosedFromItsMenu)
 {
-    const std::unique_ptr<QMenu> menu = chips()[0]->makeMenu();
+    // Goes with the chip.
+    const QMenu* menu = chips()[0]->makeMenu().release();
     EXPECT_EQ(titles(*menu), QStringList({"Rename…", "Close"}));
 
     menu->actions().front()->trigger();
@@ -424,11 +425,13 @@ TEST_F(ConsoleTest, APaneHasTheColoursOfItsTheme)
 
 TEST_F(ConsoleTest, APaneInThePlainLookFollowsTheAppearance)
 {
-    const bool wasDark = paneView(0)->look().tokens().dark;
+    ASSERT_TRUE(paneView(0)->look().tokens().dark);
+    SpaceTheme light;
+    light.appearance = SpaceAppearance::Light;
 
-    views.theme.setSystem({.dark = !wasDark, .reducedMotion = true});
+    views.theme.setSpace(light);
 
-    EXPECT_EQ(paneView(0)->look().tokens().dark, !wasDark);
+    EXPECT_FALSE(paneView(0)->look().tokens().dark);
     EXPECT_EQ(paneView(0)->look().tokens().sheet, views.theme.tokens().sheet);
 }
 
