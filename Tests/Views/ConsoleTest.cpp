@@ -379,6 +379,20 @@ TEST_F(ConsoleTest, APanesMenuIsThatOfItsActions)
                            "Style Pane…", "Close Pane"}));
 }
 
+TEST_F(ConsoleTest, TheSectionsOfAPanesMenuAreSetApart)
+{
+    const std::unique_ptr<QMenu> menu = paneView(0)->makeMenu();
+    int separators = 0;
+    for (QAction* action : menu->actions()) {
+        if (!action->isSeparator())
+            continue;
+        ++separators;
+        EXPECT_GT(menu->actionGeometry(action).height(), 0);
+    }
+
+    EXPECT_EQ(separators, 3);
+}
+
 TEST_F(ConsoleTest, TheRightButtonOpensAPanesMenuAnywhereInIt)
 {
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(20, 20),
