@@ -50,6 +50,7 @@ Program::Program(QApplication& application, const LaunchRole& role)
     , m_processDefaults(m_paths, role)
     , m_defaults(m_processDefaults.defaults())
     , m_desktop(QDBusConnection::sessionBus(), copyToClipboard)
+    , m_service(QDBusConnection::sessionBus(), role.bundleIdentifier)
     , m_applications(QDBusConnection::sessionBus(),
                      SessionApplications::defaultRuntimeFolder(m_paths))
     , m_theme(systemLook(m_settings))
@@ -60,6 +61,9 @@ Program::Program(QApplication& application, const LaunchRole& role)
                  {m_paths, role, QProcessEnvironment::systemEnvironment().toStringList(),
                   Demo::isActive(qEnvironmentVariable("BRALTO_DEMO"), QCoreApplication::arguments(),
                                  role, m_defaults.shared)})
+    , m_keyboard(QGuiApplication::platformName() == QStringLiteral("xcb")
+                     ? std::optional(qgetenv("DISPLAY"))
+                     : std::nullopt)
     , m_terminalHost(m_chatHost, m_defaults.shared,
                      QProcessEnvironment::systemEnvironment().toStringList())
     , m_motion(m_scheduler)
@@ -78,6 +82,12 @@ Program::Program(QApplication& application, const LaunchRole& role)
     m_applications.claim(role.bundleIdentifier);
     buildWindow();
     followSystem();
+    connect(&m_service, &ApplicationService::activateRequested, this, &Program::activate);
+    connect(&m_service, &ApplicationService::openRequested, this,
+            [this](const QStringList& addresses) {
+                activate();
+                m_delegate.open(addresses);
+            });
     connect(&m_signals, &QuitSignals::quitRequested, this, &Program::terminate);
     auto* zoomKeys = new ZoomKeys(&m_application, [this] { return m_workspace.root() != nullptr; });
     connect(zoomKeys, &ZoomKeys::zoomRequested, this, [this](ZoomKeys::Direction direction) {
@@ -174,6 +184,7 @@ ViewServices Program::viewServices()
                           m_role.isFolderApp() ? WindowLayout::Role::FolderApplication
                                                : WindowLayout::Role::HomeApplication,
                           [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+    services.keyboard = &m_keyboard;
     services.paneHooks = &Program::paneHooks;
     return services;
 }

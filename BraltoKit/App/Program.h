@@ -7,6 +7,7 @@
 #include "App/QuitSignals.h"
 #include "Base/Motion.h"
 #include "Chat/ChatFileIndex.h"
+#include "Platform/ApplicationService.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
 #include "Platform/ProcProcessInspector.h"
@@ -19,6 +20,7 @@
 #include "Platform/SystemClock.h"
 #include "Platform/SystemDesktop.h"
 #include "Platform/SystemSettings.h"
+#include "Platform/XkbKeyboardLayout.h"
 #include "Views/Dialogs/DialogsView.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/RootView.h"
@@ -77,6 +79,7 @@ private:
     SystemClock m_clock;
     SystemSettings m_settings;
     SystemDesktop m_desktop;
+    ApplicationService m_service;
     SessionApplications m_applications;
     Theme m_theme;
     DialogsView m_dialogs;
@@ -90,6 +93,7 @@ private:
     ChatFileIndex m_files;
     QtRunLoop m_runLoop;
     ProcProcessInspector m_processes;
+    XkbKeyboardLayout m_keyboard;
     ProgramTerminalHost m_terminalHost;
     Motion m_motion;
     Workspace m_workspace;

@@ -1,5 +1,6 @@
 #include "Platform/SystemDesktop.h"
 
+#include "Base/PaneEnvironment.h"
 #include "Base/Paths.h"
 
 #include <QDBusMessage>
@@ -7,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 
 namespace Bralto {
@@ -59,6 +61,11 @@ Expected<qint64, QString> SystemDesktop::start(const QString& executable,
     QProcess process;
     process.setProgram(executable);
     process.setArguments(arguments);
+    // A program of the desktop's runs in no pane, even if this one was started in one: a link that
+    // is opened here would be delivered to that pane's window, which may be this very one.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QLatin1String(PaneEnvironment::BundleId));
+    process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

@@ -34,12 +34,18 @@ protected:
     void TearDown() override
     {
         // What the shell started would outlive it.
-        for (const pid_t child : inspector.childPids(pid()))
-            ::kill(child, SIGKILL);
+        killBelow(pid());
         shell.kill();
         shell.waitForFinished();
     }
 
+    void killBelow(pid_t parent)
+    {
+        for (const pid_t child : inspector.childPids(parent)) {
+            killBelow(child);
+            ::kill(child, SIGKILL);
+        }
+    }
     pid_t pid() const { return pid_t(shell.processId()); }
 
     /// Runs the line and returns what it prints, up to the line that it ends with.

@@ -137,6 +137,27 @@ TEST_F(DesktopServices, AStartedProgramIsNoChildOfThisProcess)
     EXPECT_NE(ids[1].toLongLong(), qlonglong(::getsid(0)));
 }
 
+TEST_F(DesktopServices, AStartedProgramRunsInNoPane)
+{
+    const QString answer = place.filePath("answer");
+    qputenv("BRALTO_BUNDLE_ID", "com.tolvane.bralto");
+    qputenv("BRALTO_TEST_KEPT", "kept");
+
+    const auto started = desktop.start(
+        "/bin/sh", {"-c",
+                    "echo \"${BRALTO_BUNDLE_ID-none} $BRALTO_TEST_KEPT\" > \"$1.part\" &&"
+                    " mv \"$1.part\" \"$1\"",
+                    "sh", answer});
+    qunsetenv("BRALTO_BUNDLE_ID");
+    qunsetenv("BRALTO_TEST_KEPT");
+
+    ASSERT_TRUE(started);
+    ASSERT_TRUE(QTest::qWaitFor([&answer] { return QFile::exists(answer); }, 30'000));
+    QFile file(answer);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "none kept\n");
+}
+
 TEST_F(DesktopServices, AProgramThatIsNotThereFailsInTheSystemsWords)
 {
     const auto started = desktop.start(place.filePath("absent"), {});

@@ -78,12 +78,12 @@ void drawBraille(char32_t scalar, CoverageCanvas& canvas)
     constexpr std::array<int, 8> Rows{0, 1, 2, 0, 1, 2, 3, 3};
     const double fieldWidth = canvas.width() / 2.0;
     const double fieldHeight = canvas.height() / 4.0;
-    const int size = std::max(1, int(std::min(fieldWidth, fieldHeight) * 0.6 + 0.5));
+    const int size = std::max(1, qRound(std::min(fieldWidth, fieldHeight) * 0.6));
     for (std::size_t dot = 0; dot < Columns.size(); ++dot) {
         if ((scalar >> dot & 1U) == 0)
             continue;
-        const int left = int((Columns[dot] + 0.5) * fieldWidth - size / 2.0 + 0.5);
-        const int top = int((Rows[dot] + 0.5) * fieldHeight - size / 2.0 + 0.5);
+        const int left = qRound((Columns[dot] + 0.5) * fieldWidth - size / 2.0);
+        const int top = qRound((Rows[dot] + 0.5) * fieldHeight - size / 2.0);
         if (size < 4) {
             canvas.fill(left, top, left + size, top + size);
             continue;

@@ -177,8 +177,11 @@ void drawArc(CoverageCanvas& canvas, int line, bool goesRight, bool goesDown)
 {
     const double width = canvas.width();
     const double height = canvas.height();
-    const double x = (canvas.width() - line) / 2 + line / 2.0;
-    const double y = (canvas.height() - line) / 2 + line / 2.0;
+    // The middles of the lines that it joins, whose edges are whole pixels.
+    const int left = (canvas.width() - line) / 2;
+    const int top = (canvas.height() - line) / 2;
+    const double x = left + line / 2.0;
+    const double y = top + line / 2.0;
     const double endX = goesRight ? width : 0;
     const double endY = goesDown ? height : 0;
     // The last pixels are straight, or the curve would reach into the rows beside the line's.
@@ -244,10 +247,51 @@ bool drawLines(char32_t scalar, CoverageCanvas& canvas, int line)
     return true;
 }
 
+bool drawRules(char32_t scalar, CoverageCanvas& canvas, int line)
+{
+    const int width = canvas.width();
+    const int height = canvas.height();
+    const int middle = (width - line) / 2;
+    const int low = height * 3 / 4; // About where letters stand.
+    const int high = height / 4;
+    switch (scalar) {
+    case 0x23BA: // The lines of a terminal's own graphics: first, third, seventh, ninth.
+        canvas.fill(0, 0, width, line);
+        return true;
+    case 0x23BB:
+        canvas.fill(0, (height - line) / 4, width, (height - line) / 4 + line);
+        return true;
+    case 0x23BC:
+        canvas.fill(0, (height - line) * 3 / 4, width, (height - line) * 3 / 4 + line);
+        return true;
+    case 0x23BD:
+        canvas.fill(0, height - line, width, height);
+        return true;
+    case 0x23BE: // Corners that hold what belongs to the row above, or below.
+        canvas.fill(middle, high, middle + line, height);
+        canvas.fill(middle, high, width, high + line);
+        return true;
+    case 0x23BF:
+        canvas.fill(middle, 0, middle + line, low);
+        canvas.fill(middle, low - line, width, low);
+        return true;
+    case 0x23CB:
+        canvas.fill(middle, high, middle + line, height);
+        canvas.fill(0, high, middle + line, high + line);
+        return true;
+    case 0x23CC:
+        canvas.fill(middle, 0, middle + line, low);
+        canvas.fill(0, low - line, middle + line, low);
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool draw(char32_t scalar, CoverageCanvas& canvas, int line)
 {
-    return drawLines(scalar, canvas, line) || drawBlocks(scalar, canvas) ||
-           drawArrowHeads(scalar, canvas, line);
+    return drawRules(scalar, canvas, line) || drawLines(scalar, canvas, line) ||
+           drawBlocks(scalar, canvas) || drawArrowHeads(scalar, canvas, line);
 }
 
 } // namespace Bralto::BoxDrawing

@@ -19,17 +19,23 @@ void CursorBlink::setBlinking(bool blinks)
     if (blinks == m_blinks)
         return;
     m_blinks = blinks;
-    restart();
+    m_isShown = true;
+    begin();
 }
 
 void CursorBlink::restart()
+{
+    begin();
+    setShown(true);
+}
+
+void CursorBlink::begin()
 {
     m_halves = 0;
     if (m_blinks)
         m_timer.start(HalfBlinkMs, this);
     else
         m_timer.stop();
-    setShown(true);
 }
 
 void CursorBlink::timerEvent(QTimerEvent* event)

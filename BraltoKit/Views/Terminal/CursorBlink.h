@@ -13,6 +13,7 @@ class CursorBlink final : public QObject {
 public:
     using QObject::QObject;
 
+    /// A change makes it visible, and tells nobody: who asks for it shows it.
     void setBlinking(bool blinks);
     /// Visible from now on, for the first half of a blink.
     void restart();
@@ -26,6 +27,7 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
+    void begin();
     void setShown(bool shown);
 
     QBasicTimer m_timer;

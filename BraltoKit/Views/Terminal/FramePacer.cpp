@@ -37,11 +37,10 @@ void FramePacer::timerEvent(QTimerEvent* event)
 
 void FramePacer::take()
 {
-    QElapsedTimer cost;
-    cost.start();
-    m_frame();
-    m_interval = std::clamp(std::chrono::milliseconds(cost.elapsed() * 4), Shortest, Longest);
     m_sinceLast.start();
+    m_frame();
+    const std::chrono::milliseconds cost(m_sinceLast.elapsed());
+    m_interval = std::clamp(cost * 4, Shortest, Longest);
 }
 
 } // namespace Bralto

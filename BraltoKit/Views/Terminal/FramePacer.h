@@ -35,7 +35,7 @@ private:
 
     std::function<void()> m_frame;
     QBasicTimer m_timer;
-    QElapsedTimer m_sinceLast; ///< Invalid before the first frame.
+    QElapsedTimer m_sinceLast; ///< Since the last one began; invalid before the first.
     std::chrono::milliseconds m_interval = Shortest;
 };
 

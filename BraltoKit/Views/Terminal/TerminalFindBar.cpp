@@ -14,7 +14,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <array>
 
 namespace Bralto {
 

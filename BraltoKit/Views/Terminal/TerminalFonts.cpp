@@ -4,6 +4,7 @@
 #include "Views/Terminal/BoxDrawing.h"
 #include "Views/Terminal/CoverageCanvas.h"
 #include "Views/Terminal/GlyphDrawing.h"
+#include "Views/Terminal/TerminalLigatures.h"
 
 #include <QPainterPath>
 #include <QStringList>
@@ -33,9 +34,25 @@ QStringList families(const QString& own)
     QStringList result{own};
     for (const QString& family :
          {QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Noto Sans Mono"),
-          QStringLiteral("Noto Sans Mono CJK SC"), QStringLiteral("Noto Sans CJK SC"), EmojiFamily})
+          QStringLiteral("Noto Sans Mono CJK SC"), QStringLiteral("Noto Sans CJK SC"),
+          QStringLiteral("DejaVu Sans"), EmojiFamily})
         result.append(family);
     return result;
+}
+
+/// Signs that hardly a font has as letters, only as pictures, and what shows them as letters.
+char32_t asLetter(char32_t scalar)
+{
+    switch (scalar) {
+    case 0x23F8: // Pause
+        return 0x2016;
+    case 0x23F9: // Stop
+        return 0x25A0;
+    case 0x23FA: // Record
+        return 0x25CF;
+    default:
+        return scalar;
+    }
 }
 
 std::uint64_t key(char32_t scalar, TerminalFonts::Place place)
@@ -50,7 +67,10 @@ TerminalFonts::TerminalFonts(Face face)
     : m_face(std::move(face))
 {
     QFont base = font(TextRole::Terminal);
-    const QString family = m_face.family.isEmpty() ? base.families().value(0) : m_face.family;
+    QString family = m_face.family.isEmpty() ? base.families().value(0) : m_face.family;
+    // The cut without ligatures is of no use to who wants them.
+    if (m_face.hasLigatures && family.endsWith(QStringLiteral(" NL")))
+        family.chop(3);
     base.setFamilies(families(family));
     base.setPixelSize(std::max(1, qRound(m_face.size)));
     // Every glyph is looked up by itself; only clusters and ligatures are shaped.
@@ -134,12 +154,14 @@ GlyphMask TerminalFonts::drawnScalar(char32_t scalar, Place place) const
         blank.height = box.size.height();
         return blank;
     }
-    if (scalar >= 0x2500) {
+    if (scalar >= BoxDrawing::First) {
         const auto stretched = GlyphDrawing::stretch(place.mode);
         CoverageCanvas canvas(box.size.width() * stretched.x, box.size.height() * stretched.y);
         if (BoxDrawing::draw(scalar, canvas, m_line * stretched.x))
             return GlyphDrawing::mask(canvas, box);
     }
+    if (place.columns == 1)
+        scalar = asLetter(scalar);
     const QString text = QString::fromUcs4(&scalar, 1);
     const Style& style = m_styles[place.style];
     if (!GlyphDrawing::isEmoji(text, place.columns)) {
@@ -159,17 +181,22 @@ GlyphMask TerminalFonts::drawn(const QString& text, Place place) const
     if (GlyphDrawing::isEmoji(text, place.columns)) {
         QFont emoji = m_styles[0].font;
         emoji.setFamilies(QStringList{EmojiFamily} + emoji.families());
-        return GlyphDrawing::layout(emoji, m_face.size, text, box, {});
+        // The picture's font is chosen already, and the selector would only part a sequence.
+        QString sequence = text;
+        sequence.remove(QChar(0xFE0F));
+        return GlyphDrawing::layout(emoji, m_face.size, sequence, box, {});
     }
     return GlyphDrawing::layout(style.font, m_face.size, text, box,
                                 {style.needsBold, style.needsItalic});
 }
 
-bool TerminalFonts::joins(const QString& text, std::uint8_t style) const
+const GlyphMask* TerminalFonts::ligature(const std::string& signs, std::uint8_t style)
 {
-    Q_UNUSED(text);
-    Q_UNUSED(style);
-    return false;
+    const auto [known, isNew] = m_ligatures.try_emplace(char(style) + signs, nullptr);
+    const Style& look = m_styles[style];
+    if (isNew && TerminalLigatures::joins(look.font, look.raw, QString::fromStdString(signs)))
+        known->second = &cluster(signs, {style, std::uint8_t(signs.size())});
+    return known->second;
 }
 
 const GlyphMask& TerminalFonts::underline(UnderlineStyle style, RenderLineMode mode)
@@ -236,6 +263,7 @@ void TerminalFonts::trim()
     m_scalars.clear();
     m_clusters.clear();
     m_lines.clear();
+    m_ligatures.clear();
     m_ascii = {};
     m_bytes = 0;
     ++m_generation;

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <unordered_map>
 
 namespace Bralto {
@@ -61,8 +62,10 @@ public:
         const GlyphMask* const known = m_ascii[style][byte & 0x7FU];
         return known ? *known : scalar(byte, {.style = style});
     }
-    /// Of several scalars in UTF-8: a cluster, or letters that the font joins.
+    /// Of several scalars in UTF-8.
     [[nodiscard]] const GlyphMask& cluster(const std::string& text, Place place);
+    /// Signs that the face draws as one, in as many cells; null if it doesn't.
+    [[nodiscard]] const GlyphMask* ligature(const std::string& signs, std::uint8_t style);
     /// A line under, or through, one cell.
     [[nodiscard]] const GlyphMask& underline(Kovalt::UnderlineStyle style,
                                              Kovalt::RenderLineMode mode);
@@ -72,9 +75,6 @@ public:
     void trim();
     /// Rises when masks are dropped.
     [[nodiscard]] std::uint64_t generation() const { return m_generation; }
-
-    /// Whether the font draws these characters in another way together than one by one.
-    [[nodiscard]] bool joins(const QString& text, std::uint8_t style) const;
 
 private:
     struct Style {
@@ -103,6 +103,7 @@ private:
     std::unordered_map<Key, std::unique_ptr<GlyphMask>> m_scalars;
     std::unordered_map<std::string, std::unique_ptr<GlyphMask>> m_clusters;
     std::unordered_map<Key, std::unique_ptr<GlyphMask>> m_lines;
+    std::unordered_map<std::string, const GlyphMask*> m_ligatures; ///< Null for what isn't one.
     std::size_t m_bytes = 0;
     std::uint64_t m_generation = 0;
 };

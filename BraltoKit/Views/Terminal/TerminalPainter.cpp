@@ -2,6 +2,7 @@
 
 #include "Kovalt/UnicodeUtil.h"
 #include "Views/Terminal/CellPixels.h"
+#include "Views/Terminal/TerminalLigatures.h"
 
 #include <QTextBoundaryFinder>
 
@@ -100,17 +101,31 @@ void TerminalPainter::paintCells(const Target& target, const BufferLine& line, i
         use(inks(next, over));
     };
 
+    const bool hasLigatures = m_fonts->face().hasLigatures && mode == RenderLineMode::Single;
+    int apart = 0; // Signs before this column are not drawn as one.
     int column = 0;
     while (column < liveCols) {
         const CharData& cell = live[std::size_t(column)];
         prepare(cell.attribute, column);
-        paintCell(target, column, cell, mode);
+        int taken = 0;
+        if (hasLigatures && column >= apart) {
+            int end = column + 1;
+            while (hasOverlays && end < liveCols && m_overlays[std::size_t(end)] == overlay)
+                ++end;
+            const int length = (hasOverlays ? end : liveCols) - column;
+            taken = paintLigature(target, column,
+                                  live.subspan(std::size_t(column), std::size_t(length)), apart);
+        }
+        if (taken == 0) {
+            paintCell(target, column, cell, mode);
+            taken = std::max<int>(1, cell.width);
+        }
         const bool hasLines = cell.attribute.underlineStyle != UnderlineStyle::None ||
                               cell.attribute.has(Style::Underline | Style::CrossedOut) ||
                               (overlay & Hovered) != 0;
         if (hasLines)
-            paintLines(target, column, cell, overlay, mode);
-        column += std::max<int>(1, cell.width);
+            paintLines(target, column, taken, cell.attribute, overlay, mode);
+        column += taken;
     }
 
     const CharData blank = line.blank();
@@ -133,14 +148,18 @@ void TerminalPainter::paintCells(const Target& target, const BufferLine& line, i
 void TerminalPainter::paintCell(const Target& target, int column, const CharData& cell,
                                 RenderLineMode mode)
 {
+    paintMask(target, column, std::max<int>(1, cell.width), mask(cell, mode));
+}
+
+void TerminalPainter::paintMask(const Target& target, int column, int columns,
+                                const GlyphMask& glyph)
+{
     const int left = column * target.cell;
-    const int columns = std::max<int>(1, cell.width);
     const CellPixels::Area area{target.pixels + left, target.stride,
                                 std::min(columns * target.cell, target.width - left),
                                 target.height};
     if (area.width <= 0)
         return;
-    const GlyphMask& glyph = mask(cell, mode);
     switch (glyph.kind) {
     case GlyphMask::Kind::Blank:
         CellPixels::fill(area, m_current.ground);
@@ -157,6 +176,21 @@ void TerminalPainter::paintCell(const Target& target, int column, const CharData
             CellPixels::writePicture(area, glyph, m_current.ground);
         break;
     }
+}
+
+int TerminalPainter::paintLigature(const Target& target, int column,
+                                   std::span<const CharData> cells, int& apart)
+{
+    const std::string signs = TerminalLigatures::signsAt(cells);
+    if (signs.empty())
+        return 0;
+    const GlyphMask* const joined = m_fonts->ligature(signs, styleOf(cells.front().attribute));
+    if (!joined) {
+        apart = column + int(signs.size());
+        return 0;
+    }
+    paintMask(target, column, int(signs.size()), *joined);
+    return int(signs.size());
 }
 
 const GlyphMask& TerminalPainter::mask(const CharData& cell, RenderLineMode mode)
@@ -212,24 +246,25 @@ const TerminalPainter::Ramp& TerminalPainter::ramp(QRgb ground, QRgb ink)
     return slot;
 }
 
-void TerminalPainter::paintLines(const Target& target, int column, const CharData& cell,
-                                 std::uint8_t overlay, RenderLineMode mode)
+void TerminalPainter::paintLines(const Target& target, int column, int columns,
+                                 const Kovalt::Attribute& attribute, std::uint8_t overlay,
+                                 RenderLineMode mode)
 {
     const auto draw = [&](const GlyphMask& mask, QRgb color) {
-        for (int half = 0; half < std::max<int>(1, cell.width); ++half) {
-            const int left = (column + half) * target.cell;
+        for (int at = column; at < column + columns; ++at) {
+            const int left = at * target.cell;
             CellPixels::blend({target.pixels + left, target.stride,
                                std::min(target.cell, target.width - left), target.height},
                               mask, color);
         }
     };
-    UnderlineStyle style = cell.attribute.underlineStyle;
+    UnderlineStyle style = attribute.underlineStyle;
     if (style == UnderlineStyle::None &&
-        (cell.attribute.has(Style::Underline) || (overlay & Hovered) != 0))
+        (attribute.has(Style::Underline) || (overlay & Hovered) != 0))
         style = UnderlineStyle::Single;
     if (style != UnderlineStyle::None)
         draw(m_fonts->underline(style, mode), m_current.underline);
-    if (cell.attribute.has(Style::CrossedOut))
+    if (attribute.has(Style::CrossedOut))
         draw(m_fonts->strike(mode), m_current.text);
 }
 
@@ -305,10 +340,9 @@ void TerminalPainter::paintCluster(const Target& target, int column, const QStri
         CellPixels::writePicture(area, glyph, m_current.ground);
     else if (glyph.kind == GlyphMask::Kind::Coverage)
         CellPixels::blend(area, glyph, m_current.text);
-    CharData underlined;
-    underlined.width = std::int8_t(width);
-    underlined.attribute.underlineStyle = UnderlineStyle::Single;
-    paintLines(target, column, underlined, 0, RenderLineMode::Single);
+    Kovalt::Attribute underlined;
+    underlined.underlineStyle = UnderlineStyle::Single;
+    paintLines(target, column, width, underlined, 0, RenderLineMode::Single);
 }
 
 } // namespace Bralto

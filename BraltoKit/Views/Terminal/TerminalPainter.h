@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -108,8 +109,14 @@ private:
     void paintCells(const Target& target, const Kovalt::BufferLine& line, int cols);
     void paintCell(const Target& target, int column, const Kovalt::CharData& cell,
                    Kovalt::RenderLineMode mode);
-    void paintLines(const Target& target, int column, const Kovalt::CharData& cell,
-                    std::uint8_t overlay, Kovalt::RenderLineMode mode);
+    void paintMask(const Target& target, int column, int columns, const GlyphMask& glyph);
+    /// Paints the signs there as one if the font does so; how many cells they took. Else `apart`
+    /// is the column behind them.
+    [[nodiscard]] int paintLigature(const Target& target, int column,
+                                    std::span<const Kovalt::CharData> cells, int& apart);
+    void paintLines(const Target& target, int column, int columns,
+                    const Kovalt::Attribute& attribute, std::uint8_t overlay,
+                    Kovalt::RenderLineMode mode);
     void paintCursor(const Target& target, const CursorLook& cursor);
     void paintPreedit(const Target& target, const PreeditLook& preedit, int cols);
     void paintCluster(const Target& target, int column, const QString& text, int width);

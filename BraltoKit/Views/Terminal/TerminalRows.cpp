@@ -41,13 +41,17 @@ const std::vector<int>& TerminalRows::refresh(TerminalPainter& painter, const So
     const QSize size(m_cols * m_cell.width(), m_rows * m_cell.height());
     if (m_picture.size() != size)
         m_picture = QImage(size, QImage::Format_RGB32);
-    if (m_isForgotten || m_buffer != &buffer || m_numbering != buffer.numbering())
+    // Where rows were freed, a new one may have the address of an old one.
+    const int count = buffer.lines().count();
+    if (m_isForgotten || m_buffer != &buffer || m_numbering != buffer.numbering() ||
+        count < m_count)
         m_places.assign(std::size_t(m_rows), {});
     const std::int64_t top = buffer.linesTop + buffer.yDisp;
     const bool showsAll = m_isForgotten || m_buffer != &buffer || top != m_top;
     m_isForgotten = false;
     m_buffer = &buffer;
     m_numbering = buffer.numbering();
+    m_count = count;
     m_top = top;
     m_painted = 0;
     m_changed.clear();

@@ -42,6 +42,8 @@ public:
 
     /// Paints what differs. Tells the rows of the view that have to be shown again, ascending.
     [[nodiscard]] const std::vector<int>& refresh(TerminalPainter& painter, const Source& source);
+    /// Nothing was painted yet, or not since the size changed.
+    [[nodiscard]] bool isEmpty() const { return m_picture.isNull(); }
     /// How many rows the last `refresh` painted.
     [[nodiscard]] int paintedRows() const { return m_painted; }
 
@@ -72,6 +74,7 @@ private:
     std::vector<int> m_changed;
     const Kovalt::Buffer* m_buffer = nullptr;
     std::uint64_t m_numbering = 0;
+    int m_count = 0; ///< Of the rows in the buffer.
     std::int64_t m_top = 0; ///< The view's first row at the last refresh, which scrolling keeps.
     int m_painted = 0;
     bool m_isForgotten = true;

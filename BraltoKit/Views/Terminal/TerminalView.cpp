@@ -20,6 +20,9 @@ namespace Bralto {
 namespace {
 
 constexpr auto LigaturesKey = "terminalLigatures";
+/// A style is read from a file, which may say anything.
+constexpr double SmallestFont = 4;
+constexpr double LargestFont = 72;
 
 } // namespace
 
@@ -52,15 +55,10 @@ TerminalView::TerminalView(const ViewServices& services, TerminalSession& sessio
 
     connect(m_scrollBar, &TerminalScrollBar::moved, &session, &TerminalSession::scrollTo);
     connect(&session, &TerminalSession::changed, this, &TerminalView::contentsMoved);
-    connect(&session, &TerminalSession::modesChanged, this, &TerminalView::followFocus);
-    connect(&session, &TerminalSession::colorsChanged, this, &TerminalView::contentsMoved);
+    connect(&session, &TerminalSession::modesChanged, this, &TerminalView::followBlinking);
     connect(&session, &TerminalSession::rang, &m_bell, &VisualBell::ring);
     connect(&m_bell, &VisualBell::changed, this, qOverload<>(&QWidget::update));
     connect(&m_blink, &CursorBlink::changed, this, &TerminalView::contentsMoved);
-    connect(&services.zoom, &Zoom::changed, this, [this, &services](Zoom::Area area) {
-        if (area == Zoom::Area::Terminal)
-            setZoom(services.zoom.level(area));
-    });
     connect(&m_defaults, &DefaultsStore::changed, this, [this](const QString& key) {
         if (key == QLatin1String(LigaturesKey))
             chooseFonts();
@@ -74,7 +72,9 @@ TerminalView::~TerminalView() = default;
 TerminalFonts::Face TerminalView::face() const
 {
     const TypeStyle type = typeStyle(TextRole::Terminal);
-    const double size = m_style.fontSize.value_or(type.size) * m_zoom * m_ratio;
+    const double wanted =
+        std::clamp(m_style.fontSize.value_or(type.size), SmallestFont, LargestFont);
+    const double size = wanted * m_zoom * m_ratio;
     return {m_style.fontFamily.value_or(QString()), size, size * type.lineHeight / type.size,
             m_defaults.boolean(QString::fromLatin1(LigaturesKey)).value_or(false)};
 }
@@ -176,14 +176,22 @@ void TerminalView::restartCursorBlink()
     m_blink.restart();
 }
 
-void TerminalView::followFocus()
+void TerminalView::followBlinking()
 {
+    // Modes change in the middle of output; the frame comes with its end.
     using enum Kovalt::CursorStyle;
     const Kovalt::CursorStyle style = m_session.terminal().cursorStyle();
     const bool blinks = style == BlinkBlock || style == BlinkUnderline || style == BlinkBar;
     m_blink.setBlinking(blinks && hasFocus() && isVisible() &&
                         !m_session.terminal().modes().cursorHidden);
-    contentsMoved();
+}
+
+void TerminalView::followRatio()
+{
+    if (m_ratio == devicePixelRatioF())
+        return;
+    m_ratio = devicePixelRatioF();
+    chooseFonts();
 }
 
 std::vector<ScrollMark> TerminalView::marks(int track) const
@@ -206,13 +214,14 @@ bool TerminalView::event(QEvent* event)
     case QEvent::FocusOut: {
         const bool result = ThemedWidget::event(event);
         m_input->focusChanged(static_cast<QFocusEvent*>(event));
-        followFocus();
+        followBlinking();
         m_blink.restart();
+        contentsMoved();
         return result;
     }
     case QEvent::ScreenChangeInternal: {
         const bool result = ThemedWidget::event(event);
-        contentsMoved();
+        followRatio();
         return result;
     }
     default:

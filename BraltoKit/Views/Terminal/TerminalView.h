@@ -94,7 +94,8 @@ private:
     void paintPadding(QPainter& painter, const QRegion& region) const;
     [[nodiscard]] QRect rectOfCells() const;
     [[nodiscard]] std::vector<ScrollMark> marks(int track) const;
-    void followFocus();
+    void followBlinking();
+    void followRatio();
     bool handOn(QEvent* event);
 
     TerminalSession& m_session;

@@ -56,14 +56,11 @@ void TerminalView::contentsMoved()
 
 void TerminalView::takeFrame()
 {
-    if (m_ratio != devicePixelRatioF()) {
-        m_ratio = devicePixelRatioF();
-        chooseFonts();
-    }
     m_isStale = false;
     Kovalt::Terminal& terminal = m_session.terminal();
     m_session.selection().sync();
-    m_session.search().sync();
+    if (m_session.search().count() > 0)
+        m_session.search().sync();
     readPalette();
     readCursor();
 
@@ -145,7 +142,9 @@ QRect TerminalView::rectOfCells() const
 
 void TerminalView::paintEvent(QPaintEvent* event)
 {
-    if (m_isStale && !m_session.terminal().isSynchronizedOutputActive())
+    followRatio();
+    // While a program holds its output back the picture stays, unless there is none.
+    if (m_rows.isEmpty() || (m_isStale && !m_session.terminal().isSynchronizedOutputActive()))
         takeFrame();
     QPainter painter(this);
     paintPadding(painter, event->region());
@@ -175,7 +174,8 @@ void TerminalView::paintPadding(QPainter& painter, const QRegion& region) const
 void TerminalView::showEvent(QShowEvent* event)
 {
     ThemedWidget::showEvent(event);
-    followFocus();
+    followRatio();
+    followBlinking();
 }
 
 void TerminalView::hideEvent(QHideEvent* event)

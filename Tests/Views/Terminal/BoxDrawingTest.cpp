@@ -61,6 +61,7 @@ constexpr std::array SideBySide{
     Joint{U"━┏┗┣┳┻╋╺╼┮", U"━┓┛┫┳┻╋╸╾┭"},
     Joint{U"═╔╚╠╦╩╬╒╘╞╤╧╪", U"═╗╝╣╦╩╬╕╛╡╤╧╪"},
     Joint{U"█▀▄▂▔", U"█▀▄▂▔"},
+    Joint{U"⎺⎻⎼⎽⎾⎿", U"⎺⎻⎼⎽⏋⏌"},
 };
 constexpr std::array OneAboveTheOther{
     Joint{U"│┌┐├┤┬┼╭╮╷╿", U"│└┘├┤┴┼╰╯╵╽"},
@@ -77,7 +78,7 @@ TEST(BoxDrawing, LinesGoOnInTheNextCellPixelByPixel)
         for (const Joint& joint : SideBySide) {
             for (std::size_t i = 0; i < joint.first.size(); ++i) {
                 // Blocks of different kinds have different edges: they join their own kind.
-                const bool isBlock = joint.first[0] == U'█';
+                const bool isBlock = joint.first[0] == U'█' || joint.first[0] == U'⎺';
                 for (std::size_t j = 0; j < joint.second.size(); ++j) {
                     if (isBlock && i != j)
                         continue;
@@ -254,6 +255,8 @@ TEST(BoxDrawing, EverythingBetweenTheBoundsIsDrawnAndNothingElse)
     };
     for (char32_t scalar = 0x2500; scalar <= 0x259F; ++scalar)
         EXPECT_TRUE(isDrawn(scalar)) << std::hex << unsigned(scalar);
+    for (const char32_t rule : std::u32string_view(U"⎺⎻⎼⎽⎾⎿⏋⏌"))
+        EXPECT_TRUE(isDrawn(rule)) << std::hex << unsigned(rule);
     for (char32_t scalar = 0x1FB00; scalar <= 0x1FB3B; ++scalar)
         EXPECT_TRUE(isDrawn(scalar)) << std::hex << unsigned(scalar);
     for (const char32_t other : std::u32string_view(U"A\u24FF\u25A0\u27FF\u2900\uE0A0\U0001FB3C"))

@@ -115,6 +115,26 @@ TEST_F(TerminalViewTest, WhileAProgramHoldsItsOutputBackTheOldPictureStays)
     EXPECT_EQ(corner(5, 5), Ink::hex(0x82AEF5).rgb());
 }
 
+TEST_F(TerminalViewTest, AViewThatAppearsWhileOutputIsHeldBackShowsWhatThereIs)
+{
+    write("\033[44m\033[2J\033[?2026h");
+
+    show();
+
+    EXPECT_EQ(corner(5, 5), Ink::hex(0x82AEF5).rgb());
+}
+
+TEST_F(TerminalViewTest, ASizeThatNobodyCanReadIsNotTaken)
+{
+    show();
+    for (const double size : {-3.0, 0.0, 1e9}) {
+        view->setStyle(sized(size));
+        settle();
+        EXPECT_GE(session.terminal().cols(), 2);
+        EXPECT_LE(view->geometryOfCells().cell.height(), 200);
+    }
+}
+
 TEST_F(TerminalViewTest, AnIdleViewWithoutTheKeyboardHasNoTimer)
 {
     show();
@@ -208,13 +228,13 @@ TEST_F(TerminalViewTest, ZoomAndStyleChangeTheGrid)
 {
     show();
 
-    services.zoom.set(Zoom::Area::Terminal, 2);
+    view->setZoom(2);
     settle();
     EXPECT_EQ(view->geometryOfCells().cell, QSizeF(14, 36));
     EXPECT_EQ(session.terminal().cols(), 20);
     EXPECT_EQ(session.terminal().rows(), 5);
 
-    services.zoom.set(Zoom::Area::Terminal, 1);
+    view->setZoom(1);
     view->setStyle(sized(24));
     settle();
     EXPECT_EQ(view->geometryOfCells().cell, QSizeF(14, 36));
@@ -248,7 +268,9 @@ TEST_F(TerminalViewTest, AnotherAppearanceRecoloursWhatIsThere)
     settle();
     EXPECT_EQ(corner(5, 5), Ink::hex(0xF2756F).rgb());
 
-    views.theme.setSystem({.dark = false, .reducedMotion = true});
+    SpaceTheme space = views.theme.space();
+    space.appearance = SpaceAppearance::Light;
+    views.theme.setSpace(space);
     settle();
 
     EXPECT_EQ(corner(5, 5), Ink::hex(0xC3342E).rgb());
