@@ -522,3 +522,42 @@ TEST_F(ConsoleTest, ANarrowHeadKeepsOnlyThePlus)
     EXPECT_TRUE(view->head().newTab().isVisible());
     EXPECT_FALSE(view->head().newPane().isVisible());
 }
+
+// --- motion
+
+TEST_F(ConsoleTest, APaneThatComesHoldsTerminalsUntilItIsThere)
+{
+    views.theme.setSystem({.dark = true, .reducedMotion = false});
+
+    panel().addPane(PaneKind::Shell);
+
+    EXPECT_EQ(views.motion.inFlight(), 1);
+    EXPECT_LT(paneView(1)->width(), 100);
+    // What is in it is laid out for where it goes.
+    EXPECT_GT(paneView(1)->content()->width(), 400);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return views.motion.inFlight() == 0; }));
+    EXPECT_NEAR(paneView(0)->width(), paneView(1)->width(), 1);
+    EXPECT_EQ(paneView(1)->content()->width(), paneView(1)->width());
+}
+
+TEST_F(ConsoleTest, APaneThatGoesHoldsTerminalsUntilItsPlaceIsTaken)
+{
+    panel().addPane(PaneKind::Shell);
+    ViewHarness::settle();
+    views.theme.setSystem({.dark = true, .reducedMotion = false});
+
+    panel().close(&pane(1));
+
+    EXPECT_EQ(views.motion.inFlight(), 1);
+    EXPECT_LT(paneView(0)->width(), 600);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return views.motion.inFlight() == 0; }));
+    EXPECT_EQ(paneView(0)->geometry().right() + 1, view->width() - Measure::TrayPadding);
+}
+
+TEST_F(ConsoleTest, WithReducedMotionPanesComeAtOnce)
+{
+    panel().addPane(PaneKind::Shell);
+
+    EXPECT_EQ(views.motion.inFlight(), 0);
+    EXPECT_NEAR(paneView(0)->width(), paneView(1)->width(), 1);
+}
