@@ -54,6 +54,7 @@ struct ConsoleDesktopTest : testing::Test {
         EXPECT_TRUE(waitFor([this] { return view->windowHandle()->isExposed(); }));
         // Wakes the loop of `waitFor` now and then.
         ticker.start(20);
+        followDrag();
     }
 
     void addTab(const QStringList& names)
@@ -115,12 +116,17 @@ struct ConsoleDesktopTest : testing::Test {
     /// Waits until a drag has begun and is over.
     [[nodiscard]] bool dragIsOver()
     {
-        bool began = false;
-        return waitFor([&] {
-            began = began || view->drag().item();
-            if (view->drag().target())
-                targets.append(int(view->drag().target()->place));
-            return began && !view->drag().item();
+        return waitFor([this] { return began && !view->drag().item(); });
+    }
+    /// A drag runs an event loop of its own, in which nobody but its listeners looks.
+    void followDrag()
+    {
+        ConsoleDrag& followed = view->drag();
+        QObject::connect(&followed, &ConsoleDrag::itemChanged, view.get(),
+                         [this] { began = true; });
+        QObject::connect(&followed, &ConsoleDrag::targetChanged, view.get(), [this, &followed] {
+            if (followed.target())
+                places.append(followed.target()->place);
         });
     }
 
@@ -128,7 +134,8 @@ struct ConsoleDesktopTest : testing::Test {
     ViewServices services;
     std::unique_ptr<TerminalPanelView> view;
     QTimer ticker;
-    QList<int> targets; ///< What the drag pointed at.
+    bool began = false;
+    QList<ConsoleDrag::Target::Place> places; ///< What the drag pointed at.
 };
 
 } // namespace
@@ -138,7 +145,7 @@ TEST_F(ConsoleDesktopTest, APaneIsDraggedByItsHeadBesideAnother)
     drag(at(paneView(0).head(), 0.5, 0.5), at(paneView(1), 0.8, 0.5));
 
     ASSERT_TRUE(dragIsOver());
-    EXPECT_TRUE(targets.contains(int(ConsoleDrag::Target::Place::Pane)));
+    EXPECT_TRUE(places.contains(ConsoleDrag::Target::Place::Pane));
     EXPECT_TRUE(waitFor([this] { return layout() == "ba c"; })) << layout().toStdString();
     EXPECT_EQ(views.motion.inFlight(), 0);
 }
