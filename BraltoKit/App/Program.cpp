@@ -205,8 +205,7 @@ QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
         QContextMenuEvent event(QContextMenuEvent::Other, view->mapFromGlobal(at), at);
         QApplication::sendEvent(view->parentWidget(), &event);
     });
-    connect(&view->input(), &TerminalInput::fileActivated, &m_workspace,
-            [this](const QString& path) { m_workspace.openFile(path); });
+    connect(&view->input(), &TerminalInput::fileActivated, &m_workspace, &Workspace::openFileAt);
     const auto applyStyle = [view, &pane] { view->setStyle(pane.style()); };
     connect(&pane, &ConsolePane::styleChanged, view, applyStyle);
     applyStyle();
