@@ -387,6 +387,25 @@ TEST_F(WorkspaceSessionTest, WithoutASharedDomainItsKeysLandInTheProcesssOwn)
         EXPECT_TRUE(desk.standard.contains(key)) << key.toStdString();
 }
 
+// --- the panel
+
+TEST_F(WorkspaceSessionTest, ThePaneOfAConversationIsBroughtToTheFront)
+{
+    const auto workspace = desk.openProject();
+    TerminalPanel& panel = workspace->terminal();
+    panel.addPane(PaneKind::Claude);
+    const QString session = panel.activeGroup()->focusedPane()->claudeSessionId();
+    panel.newTab(std::nullopt);
+    panel.hide();
+
+    EXPECT_FALSE(workspace->revealClaudePane("no such conversation"));
+    EXPECT_FALSE(panel.isVisible());
+
+    EXPECT_TRUE(workspace->revealClaudePane(session.toUpper()));
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_EQ(panel.activeGroup()->focusedPane()->claudeSessionId(), session);
+}
+
 // --- recent folders
 
 TEST_F(WorkspaceSessionTest, TheSeventhFolderPushesTheOldestOut)
