@@ -62,7 +62,7 @@ struct TerminalJourney : testing::Test {
     [[nodiscard]] QJsonObject savedPanel() const
     {
         const QDir folder(desktop.home() + "/Library/Application Support/Bralto/Terminals");
-        const QStringList files = folder.entryList({"*project*.json"});
+        const QStringList files = folder.entryList({"*tidal*.json"});
         return files.isEmpty()
                    ? QJsonObject()
                    : QJsonDocument::fromJson(DesktopSession::read(folder.filePath(files[0])))

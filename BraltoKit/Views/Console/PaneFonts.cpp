@@ -17,8 +17,11 @@ QStringList fixedPitchFamilies()
     QStringList families;
     const QStringList all = QFontDatabase::families();
     for (const QString& each : all) {
-        if (QFontDatabase::isFixedPitch(each) && !QFontDatabase::isPrivateFamily(each))
-            families.append(QFontInfo(QFont(each, ProbeSize)).family());
+        if (!QFontDatabase::isFixedPitch(each) || QFontDatabase::isPrivateFamily(each))
+            continue;
+        // Another family may answer to the name, and need not have the pitch.
+        const QString own = QFontInfo(QFont(each, ProbeSize)).family();
+        families.append(QFontDatabase::isFixedPitch(own) ? own : each);
     }
     return families;
 }

@@ -109,6 +109,9 @@ void PaneView::swapContent()
 
 void PaneView::markFocused(const QWidget* focus)
 {
+    // While a tab's panes are hidden one by one, the keyboard passes from one to the next.
+    if (m_panel.groupOf(&m_pane) != m_panel.activeGroup())
+        return;
     if (focus && (focus == m_content || m_content->isAncestorOf(focus)))
         m_panel.markFocused(&m_pane);
 }
