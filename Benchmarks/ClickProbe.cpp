@@ -5,10 +5,15 @@
 #include <QEvent>
 #include <QWidget>
 
+#include <pthread.h>
+
+#include <algorithm>
+
 namespace Bralto {
 
 ClickProbe::ClickProbe(QWidget& target)
 {
+    ::pthread_getcpuclockid(::pthread_self(), &m_processor);
     target.installEventFilter(this);
     const QWidget& window = *target.window();
     const QPoint at = (target.mapTo(&window, target.rect().center()) * window.devicePixelRatioF());
@@ -20,16 +25,25 @@ ClickProbe::~ClickProbe()
     (void)finish();
 }
 
-std::vector<double> ClickProbe::finish()
+ClickProbe::Waits ClickProbe::finish()
 {
     m_isEnding = true;
     if (m_thread.joinable())
         m_thread.join();
     const std::lock_guard lock(m_lock);
-    for (const Clock::time_point time : m_waiting)
-        m_times.push_back(since(time));
-    m_waiting.clear();
-    return m_times;
+    while (!m_waiting.empty())
+        answer();
+    return m_waits;
+}
+
+void ClickProbe::answer()
+{
+    const Click before = m_waiting.front();
+    m_waiting.pop_front();
+    const Click after = now();
+    m_waits.times.push_back(
+        std::chrono::duration<double, std::milli>(after.time - before.time).count());
+    m_waits.work.push_back(after.work - before.work);
 }
 
 bool ClickProbe::eventFilter(QObject* /*watched*/, QEvent* event)
@@ -38,10 +52,8 @@ bool ClickProbe::eventFilter(QObject* /*watched*/, QEvent* event)
     if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick)
         return false;
     const std::lock_guard lock(m_lock);
-    if (!m_waiting.empty()) {
-        m_times.push_back(since(m_waiting.front()));
-        m_waiting.pop_front();
-    }
+    if (!m_waiting.empty())
+        answer();
     return true;
 }
 
@@ -52,7 +64,7 @@ void ClickProbe::clickOn(std::uint32_t window, const QPoint& at)
     while (!m_isEnding) {
         {
             const std::lock_guard lock(m_lock);
-            m_waiting.push_back(Clock::now());
+            m_waiting.push_back(now());
         }
         peer.click(at);
         // Clicks that were missed while this thread had no turn aren't made up for.
@@ -61,9 +73,11 @@ void ClickProbe::clickOn(std::uint32_t window, const QPoint& at)
     }
 }
 
-double ClickProbe::since(Clock::time_point time)
+ClickProbe::Click ClickProbe::now() const
 {
-    return std::chrono::duration<double, std::milli>(Clock::now() - time).count();
+    timespec work{};
+    ::clock_gettime(m_processor, &work);
+    return {Clock::now(), double(work.tv_sec) * 1e3 + double(work.tv_nsec) / 1e6};
 }
 
 } // namespace Bralto

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -16,7 +17,8 @@ class QWidget;
 namespace Bralto {
 
 /// Clicks on a widget every few milliseconds, from a thread and a connection of its own, until it
-/// ends, and tells how long each click waited until the interface thread got to it.
+/// ends, and tells how long each click waited until the interface thread got to it. Made on that
+/// thread.
 class ClickProbe final : public QObject {
 public:
     static constexpr std::chrono::milliseconds Pace{5};
@@ -26,7 +28,13 @@ public:
     ~ClickProbe() override;
 
     /// Milliseconds, one for each click. A click that still waits counts with the time until now.
-    [[nodiscard]] std::vector<double> finish();
+    struct Waits {
+        std::vector<double> times;
+        /// What the interface thread itself worked meanwhile. The rest of the time it had no core,
+        /// or the display took it.
+        std::vector<double> work;
+    };
+    [[nodiscard]] Waits finish();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -34,12 +42,19 @@ protected:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void clickOn(std::uint32_t window, const QPoint& at);
-    [[nodiscard]] static double since(Clock::time_point time);
+    struct Click {
+        Clock::time_point time;
+        double work; ///< Of the interface thread until then.
+    };
 
-    std::mutex m_lock; ///< Guards the next one.
-    std::deque<Clock::time_point> m_waiting;
-    std::vector<double> m_times;
+    void clickOn(std::uint32_t window, const QPoint& at);
+    [[nodiscard]] Click now() const;
+    void answer();
+
+    clockid_t m_processor = CLOCK_MONOTONIC; ///< That of the interface thread.
+    std::mutex m_lock;                       ///< Guards the next one.
+    std::deque<Click> m_waiting;
+    Waits m_waits;
     std::atomic<bool> m_isEnding = false;
     std::thread m_thread;
 };

@@ -74,7 +74,13 @@ void addTimes(QJsonObject& result, const QString& what, std::vector<double> time
     result.insert(what + "Median", at(0.5));
     result.insert(what + "P99", at(0.99));
     result.insert(what + "Longest", times.back());
-    result.insert(what + "s", int(times.size()));
+    result.insert(what + "Count", int(times.size()));
+}
+
+void addWaits(QJsonObject& result, const ClickProbe::Waits& waits)
+{
+    addTimes(result, "click", waits.times);
+    addTimes(result, "work", waits.work);
 }
 
 double elapsed(const QElapsedTimer& timer)
@@ -105,7 +111,7 @@ QJsonObject runCommand(const QString& command, int panes, QSize grid)
 
     QJsonObject result;
     const double time = elapsed(timer);
-    addTimes(result, "click", clicks.finish());
+    addWaits(result, clicks.finish());
     addGrid(result, shown.view());
     result.insert("time", time);
     result.insert("processor", processorTime() - processorBefore);
@@ -306,7 +312,7 @@ QJsonObject measureRestoring(int panes)
     result.insert("viewed", viewed);
     result.insert("usable", usable);
     result.insert("ready", isReady);
-    addTimes(result, "click", clicks.finish());
+    addWaits(result, clicks.finish());
     views.clear();
     return result;
 }

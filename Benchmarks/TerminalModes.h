@@ -10,7 +10,7 @@ namespace Bralto {
 // milliseconds.
 
 /// A command in each of so many panes. `click...`: how long a click waited for the interface
-/// thread while they ran.
+/// thread while they ran; `work...`: what that thread itself was busy for in that time.
 [[nodiscard]] QJsonObject runCommand(const QString& command, int panes, QSize grid);
 /// From a key's press on the server to other pixels on the server, with a program that echoes.
 [[nodiscard]] QJsonObject measureLatency(QSize grid);
