@@ -50,6 +50,7 @@ Program::Program(QApplication& application, const LaunchRole& role)
     , m_processDefaults(m_paths, role)
     , m_defaults(m_processDefaults.defaults())
     , m_desktop(QDBusConnection::sessionBus(), copyToClipboard)
+    , m_service(QDBusConnection::sessionBus(), role.bundleIdentifier)
     , m_applications(QDBusConnection::sessionBus(),
                      SessionApplications::defaultRuntimeFolder(m_paths))
     , m_theme(systemLook(m_settings))
@@ -81,6 +82,12 @@ Program::Program(QApplication& application, const LaunchRole& role)
     m_applications.claim(role.bundleIdentifier);
     buildWindow();
     followSystem();
+    connect(&m_service, &ApplicationService::activateRequested, this, &Program::activate);
+    connect(&m_service, &ApplicationService::openRequested, this,
+            [this](const QStringList& addresses) {
+                activate();
+                m_delegate.open(addresses);
+            });
     connect(&m_signals, &QuitSignals::quitRequested, this, &Program::terminate);
     auto* zoomKeys = new ZoomKeys(&m_application, [this] { return m_workspace.root() != nullptr; });
     connect(zoomKeys, &ZoomKeys::zoomRequested, this, [this](ZoomKeys::Direction direction) {
@@ -198,8 +205,7 @@ QWidget* Program::makeTerminalView(ConsolePane& pane, TerminalSession& session)
         QContextMenuEvent event(QContextMenuEvent::Other, view->mapFromGlobal(at), at);
         QApplication::sendEvent(view->parentWidget(), &event);
     });
-    connect(&view->input(), &TerminalInput::fileActivated, &m_workspace,
-            [this](const QString& path) { m_workspace.openFile(path); });
+    connect(&view->input(), &TerminalInput::fileActivated, &m_workspace, &Workspace::openFileAt);
     const auto applyStyle = [view, &pane] { view->setStyle(pane.style()); };
     connect(&pane, &ConsolePane::styleChanged, view, applyStyle);
     applyStyle();

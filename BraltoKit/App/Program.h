@@ -7,6 +7,7 @@
 #include "App/QuitSignals.h"
 #include "Base/Motion.h"
 #include "Chat/ChatFileIndex.h"
+#include "Platform/ApplicationService.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
 #include "Platform/ProcProcessInspector.h"
@@ -78,6 +79,7 @@ private:
     SystemClock m_clock;
     SystemSettings m_settings;
     SystemDesktop m_desktop;
+    ApplicationService m_service;
     SessionApplications m_applications;
     Theme m_theme;
     DialogsView m_dialogs;

@@ -165,6 +165,8 @@ public:
     /// A folder as a project, a file here or in the project of its own folder.
     void open(const QString& path);
     void openFile(const QString& path);
+    /// With the cursor at a line and column from 1; 0 leaves it where it was.
+    void openFileAt(const QString& path, int line, int column);
     /// Leaves the project, which ends its process; `confirmDiscardingChanges` may keep it.
     void closeFolder();
     void presentOpenPanel();

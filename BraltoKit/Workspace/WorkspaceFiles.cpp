@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace Bralto {
 
 namespace {
@@ -62,6 +64,14 @@ void Workspace::openFile(const QString& path)
         }
     }
     insert(WorkspaceTab(makeDocument(file)));
+}
+
+void Workspace::openFileAt(const QString& path, int line, int column)
+{
+    openFile(path);
+    const std::vector<WorkspaceTab> opened = documentTabsAt(Paths::standardised(path));
+    if (line > 0 && opened.size() == 1)
+        opened.front().document()->setCursor(line, std::max(column, 1));
 }
 
 void Workspace::presentOpenPanel()

@@ -85,10 +85,37 @@ TEST_F(BraltoCommandsTest, WhatIsNotThereIsAbsent)
 
     for (const Command command :
          {Command::CheckForUpdates, Command::NotificationHooks, Command::NewBrowserTab,
-          Command::EditSpace, Command::NewClaudeBeside, Command::NewShellBeside,
-          Command::NewTerminalTab, Command::ToggleChatView, Command::StylePane,
-          Command::OpenLocation, Command::ReloadPage})
+          Command::EditSpace, Command::OpenLocation, Command::ReloadPage})
         EXPECT_FALSE(find(command)) << Shortcuts::title(command).toStdString();
+}
+
+TEST_F(BraltoCommandsTest, PanesAreOpenedSwappedAndStyledFromTheMenu)
+{
+    openProject();
+    const TerminalPanel& panel = workspace->terminal();
+    EXPECT_FALSE(find(Command::ToggleChatView)->isEnabled);
+    EXPECT_FALSE(find(Command::StylePane)->isEnabled);
+    EXPECT_FALSE(find(Command::KillTerminal)->isEnabled);
+
+    run(Command::NewShellBeside);
+    EXPECT_EQ(panel.activeGroup()->focusedPane()->kind(), PaneKind::Shell);
+    EXPECT_FALSE(find(Command::ToggleChatView)->isEnabled);
+    run(Command::NewClaudeBeside);
+    EXPECT_EQ(panel.activeGroup()->panes().size(), 2U);
+    EXPECT_TRUE(find(Command::ToggleChatView)->isEnabled);
+    EXPECT_EQ(find(Command::ToggleChatView)->title, "Show as Chat");
+    run(Command::NewTerminalTab);
+    EXPECT_EQ(panel.groups().size(), 2U);
+
+    run(Command::StylePane);
+    EXPECT_TRUE(panel.activeGroup()->focusedPane()->isEditingStyle());
+    run(Command::StylePane);
+    EXPECT_FALSE(panel.activeGroup()->focusedPane()->isEditingStyle());
+
+    run(Command::NewClaudeChat);
+    EXPECT_EQ(find(Command::ToggleChatView)->title, "Show as Terminal");
+    run(Command::KillTerminal);
+    EXPECT_EQ(panel.activeGroup()->panes().size(), 1U);
 }
 
 TEST_F(BraltoCommandsTest, ATitleFollowsWhatItSwitches)

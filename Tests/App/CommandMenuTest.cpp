@@ -2,6 +2,7 @@
 #include "Tests/Support/WorkspaceHarness.h"
 #include "Views/Window/WindowFocus.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QTest>
 
@@ -25,7 +26,8 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override
     {
-        ++presses;
+        if (event->key() == Qt::Key_S)
+            ++presses;
         event->accept();
     }
 };
@@ -40,7 +42,7 @@ struct CommandMenuTest : testing::Test {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    QAction* action(Command command) const
+    QAction* action(Command command)
     {
         const QString title = Shortcuts::title(command);
         for (QAction* const top : menu.menu()->actions()) {

@@ -52,7 +52,7 @@ struct ConversationJourney : testing::Test {
 
 TEST_F(ConversationJourney, ATurnIsAnsweredAndAWriteIsAllowedByAKey)
 {
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("hello");
     desktop.press("Return");
     ASSERT_TRUE(DesktopSession::waitFor([&] { return holds(desktop, "assistant", "tidal api"); }));
@@ -76,7 +76,7 @@ TEST_F(ConversationJourney, ATurnIsAnsweredAndAWriteIsAllowedByAKey)
 
 TEST_F(ConversationJourney, EscInterruptsAndTheNextTurnGoesOn)
 {
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("count 5000");
     desktop.press("Return");
     ASSERT_TRUE(DesktopSession::waitFor([&] { return holds(desktop, "user", "count 5000"); }));
@@ -95,7 +95,7 @@ TEST_F(ConversationJourney, EscInterruptsAndTheNextTurnGoesOn)
 
 TEST_F(ConversationJourney, AQuestionIsAnsweredWithKeys)
 {
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("ask me");
     desktop.press("Return");
     ASSERT_TRUE(
@@ -115,7 +115,7 @@ TEST_F(ConversationJourney, AQuestionIsAnsweredWithKeys)
 
 TEST_F(ConversationJourney, ClosingAndOpeningAgainBringsTheConversationBack)
 {
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("hello");
     desktop.press("Return");
     ASSERT_TRUE(DesktopSession::waitFor([&] { return holds(desktop, "assistant", "tidal api"); }));
@@ -134,7 +134,7 @@ TEST_F(ConversationJourney, ClosingAndOpeningAgainBringsTheConversationBack)
 
 TEST_F(ConversationJourney, NothingOfTheAgentOutlivesAKilledProgram)
 {
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("run sleep 4321");
     desktop.press("Return");
     const auto sleeping = [] {

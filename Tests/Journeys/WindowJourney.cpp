@@ -83,7 +83,7 @@ TEST(WindowJourney, AFolderThatVanishesLeavesTheWindowStanding)
     ASSERT_TRUE(desktop.openProject());
 
     ASSERT_TRUE(QDir(desktop.project()).removeRecursively());
-    desktop.press("ctrl+j");
+    desktop.press("ctrl+alt+j");
     desktop.type("hello");
     desktop.press("Return");
     desktop.picture("vanished");

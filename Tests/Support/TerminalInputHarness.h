@@ -3,7 +3,7 @@
 #include "Tests/Support/TerminalViewHarness.h"
 #include "Views/Terminal/TerminalInput.h"
 
-#include <QPointF>
+#include <QPoint>
 #include <QTest>
 
 #include <string>
@@ -23,9 +23,10 @@ public:
 
     /// What the program was sent since the last call.
     std::string sent() { return std::exchange(panes.process().sent, {}); }
+    /// In the left half of a cell.
     [[nodiscard]] QPoint at(int col, int row) const
     {
-        return view->geometryOfCells().rect(col, row).center().toPoint();
+        return view->geometryOfCells().rect(col, row).topLeft().toPoint() + QPoint(2, 6);
     }
     void key(int key, Qt::KeyboardModifiers modifiers = {})
     {

@@ -315,7 +315,8 @@ TEST_F(ConsoleTest, ADoubleClickOnAHeadNamesItsPane)
 
 TEST_F(ConsoleTest, AChipIsNamedAndClosedFromItsMenu)
 {
-    const std::unique_ptr<QMenu> menu = chips()[0]->makeMenu();
+    // Goes with the chip.
+    const QMenu* menu = chips()[0]->makeMenu().release();
     EXPECT_EQ(titles(*menu), QStringList({"Rename…", "Close"}));
 
     menu->actions().front()->trigger();
@@ -378,6 +379,20 @@ TEST_F(ConsoleTest, APanesMenuIsThatOfItsActions)
                            "Style Pane…", "Close Pane"}));
 }
 
+TEST_F(ConsoleTest, TheSectionsOfAPanesMenuAreSetApart)
+{
+    const std::unique_ptr<QMenu> menu = paneView(0)->makeMenu();
+    int separators = 0;
+    for (QAction* action : menu->actions()) {
+        if (!action->isSeparator())
+            continue;
+        ++separators;
+        EXPECT_GT(menu->actionGeometry(action).height(), 0);
+    }
+
+    EXPECT_EQ(separators, 3);
+}
+
 TEST_F(ConsoleTest, TheRightButtonOpensAPanesMenuAnywhereInIt)
 {
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(20, 20),
@@ -424,11 +439,13 @@ TEST_F(ConsoleTest, APaneHasTheColoursOfItsTheme)
 
 TEST_F(ConsoleTest, APaneInThePlainLookFollowsTheAppearance)
 {
-    const bool wasDark = paneView(0)->look().tokens().dark;
+    ASSERT_TRUE(paneView(0)->look().tokens().dark);
+    SpaceTheme light;
+    light.appearance = SpaceAppearance::Light;
 
-    views.theme.setSystem({.dark = !wasDark, .reducedMotion = true});
+    views.theme.setSpace(light);
 
-    EXPECT_EQ(paneView(0)->look().tokens().dark, !wasDark);
+    EXPECT_FALSE(paneView(0)->look().tokens().dark);
     EXPECT_EQ(paneView(0)->look().tokens().sheet, views.theme.tokens().sheet);
 }
 
@@ -504,4 +521,43 @@ TEST_F(ConsoleTest, ANarrowHeadKeepsOnlyThePlus)
 
     EXPECT_TRUE(view->head().newTab().isVisible());
     EXPECT_FALSE(view->head().newPane().isVisible());
+}
+
+// --- motion
+
+TEST_F(ConsoleTest, APaneThatComesHoldsTerminalsUntilItIsThere)
+{
+    views.theme.setSystem({.dark = true, .reducedMotion = false});
+
+    panel().addPane(PaneKind::Shell);
+
+    EXPECT_EQ(views.motion.inFlight(), 1);
+    EXPECT_LT(paneView(1)->width(), 100);
+    // What is in it is laid out for where it goes.
+    EXPECT_GT(paneView(1)->content()->width(), 400);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return views.motion.inFlight() == 0; }));
+    EXPECT_NEAR(paneView(0)->width(), paneView(1)->width(), 1);
+    EXPECT_EQ(paneView(1)->content()->width(), paneView(1)->width());
+}
+
+TEST_F(ConsoleTest, APaneThatGoesHoldsTerminalsUntilItsPlaceIsTaken)
+{
+    panel().addPane(PaneKind::Shell);
+    ViewHarness::settle();
+    views.theme.setSystem({.dark = true, .reducedMotion = false});
+
+    panel().close(&pane(1));
+
+    EXPECT_EQ(views.motion.inFlight(), 1);
+    EXPECT_LT(paneView(0)->width(), 600);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return views.motion.inFlight() == 0; }));
+    EXPECT_EQ(paneView(0)->geometry().right() + 1, view->width() - Measure::TrayPadding);
+}
+
+TEST_F(ConsoleTest, WithReducedMotionPanesComeAtOnce)
+{
+    panel().addPane(PaneKind::Shell);
+
+    EXPECT_EQ(views.motion.inFlight(), 0);
+    EXPECT_NEAR(paneView(0)->width(), paneView(1)->width(), 1);
 }

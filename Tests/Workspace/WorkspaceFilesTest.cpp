@@ -56,6 +56,23 @@ TEST_F(WorkspaceFilesTest, OpeningTheProjectItselfOpensItsFilesHere)
     EXPECT_TRUE(desk.launcher.launches.isEmpty());
 }
 
+TEST_F(WorkspaceFilesTest, AFileOpensWithTheCursorWhereItWasAskedFor)
+{
+    const QString file = desk.write("a", "one\ntwo\n");
+
+    workspace->openFileAt(file, 2, 3);
+    const EditorDocument& document = *workspace->activeTab()->document();
+    EXPECT_EQ(document.cursorLine(), 2);
+    EXPECT_EQ(document.cursorColumn(), 3);
+
+    workspace->openFileAt(file, 1, 0);
+    EXPECT_EQ(document.cursorLine(), 1);
+    EXPECT_EQ(document.cursorColumn(), 1);
+    workspace->openFileAt(file, 0, 0);
+    EXPECT_EQ(document.cursorLine(), 1);
+    EXPECT_EQ(workspace->tabs().size(), 1U);
+}
+
 TEST_F(WorkspaceFilesTest, OpeningAnotherProjectLaunchesItAndLeavesTheTabs)
 {
     desk.write("a");
@@ -376,9 +393,9 @@ TEST_F(WorkspaceFilesTest, TheConsoleOpensInTheFolderOrInTheFilesOwn)
 
     const auto& groups = workspace->terminal().groups();
     ASSERT_EQ(groups.size(), 3U);
-    EXPECT_EQ(groups[0]->panes()[0]->chat()->folder(), desk.path("sub"));
-    EXPECT_EQ(groups[1]->panes()[0]->chat()->folder(), desk.path("sub"));
-    EXPECT_EQ(groups[2]->panes()[0]->chat()->folder(), desk.project());
+    EXPECT_EQ(groups[0]->panes()[0]->terminal()->startDirectory(), desk.path("sub"));
+    EXPECT_EQ(groups[1]->panes()[0]->terminal()->startDirectory(), desk.path("sub"));
+    EXPECT_EQ(groups[2]->panes()[0]->terminal()->startDirectory(), desk.project());
 }
 
 TEST_F(WorkspaceFilesTest, APathIsRelativeToTheProjectOnlyBelowIt)

@@ -115,7 +115,7 @@ void PaneStyleEditor::build()
     whole->setSpacing(0);
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(0);
-    grid->setVerticalSpacing(Measure::Space1);
+    grid->setVerticalSpacing(Measure::Space2);
     for (int at = 0; at < int(m_swatches.size()); ++at) {
         const auto side = at % Columns == 0             ? Qt::AlignLeft
                           : at % Columns == Columns - 1 ? Qt::AlignRight
@@ -151,6 +151,7 @@ void PaneStyleEditor::build()
     column->addSpacing(Measure::Space3);
     column->addWidget(m_preview);
     column->addSpacing(Measure::Space3);
+    m_useAsDefault->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     column->addWidget(m_useAsDefault);
 }
 
@@ -220,7 +221,7 @@ void PaneStyleEditor::open(const QPoint& globalTopRight)
     const auto chosen =
         std::ranges::find_if(m_swatches, [](const ThemeSwatch* each) { return each->isChecked(); });
     if (chosen != m_swatches.end())
-        (*chosen)->setFocus(Qt::PopupFocusReason);
+        (*chosen)->setFocus(Qt::MouseFocusReason); // its own ring is enough
 }
 
 void PaneStyleEditor::closeEvent(QCloseEvent* event)

@@ -179,7 +179,9 @@ void PaneView::followEditing(bool editing)
 void PaneView::place()
 {
     m_sheet->setSheetGeometry(QRect(0, 0, std::max(width(), m_leastWidth), height()));
-    const int head = m_head->isHidden() ? 0 : Measure::PaneHead;
+    // The text of a terminal begins right at its top, which then is that of the sheet.
+    const int bare = m_pane.terminal() ? Measure::Space2 : 0;
+    const int head = m_head->isHidden() ? bare : Measure::PaneHead;
     m_head->setGeometry(0, 0, m_body->width(), Measure::PaneHead);
     m_content->setGeometry(m_body->rect().adjusted(0, head, 0, 0));
     m_dropArea->setGeometry(rect());

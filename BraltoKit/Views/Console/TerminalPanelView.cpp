@@ -54,6 +54,8 @@ TerminalPanelView::TerminalPanelView(const ViewServices& services, TerminalPanel
 
 TerminalPanelView::~TerminalPanelView()
 {
+    // The keyboard leaves what is deleted here.
+    disconnect(qApp, nullptr, this, nullptr);
     m_services.motion.end(m_motion);
     // What follows the drag goes before it.
     qDeleteAll(std::exchange(m_views, {}));

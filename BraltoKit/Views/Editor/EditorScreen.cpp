@@ -28,9 +28,20 @@ EditorScreen::EditorScreen(const ViewServices& services, const WorkspaceTab& tab
     connect(&document(), &EditorDocument::loadErrorChanged, this, &EditorScreen::rebuild);
     connect(&document(), &EditorDocument::pathChanged, this, &EditorScreen::rebuild);
     connect(&document(), &EditorDocument::saveErrorChanged, this, &EditorScreen::showPill);
-    connect(&document(), &EditorDocument::cursorChanged, this, &EditorScreen::showPill);
+    connect(&document(), &EditorDocument::cursorChanged, this, &EditorScreen::showCursor);
     connect(&services.zoom, &Zoom::changed, this, &EditorScreen::applyZoom);
     rebuild();
+}
+
+void EditorScreen::showCursor()
+{
+    const TextRows::Place place{document().cursorLine() - 1, document().cursorColumn() - 1};
+    if (m_code && m_code->cursor() != place) {
+        // A line that isn't there leaves the cursor where it is.
+        m_code->setCursor(place);
+        document().setCursor(m_code->cursor().line + 1, int(m_code->cursor().offset) + 1);
+    }
+    showPill();
 }
 
 void EditorScreen::applyZoom()

@@ -29,6 +29,7 @@ private:
     void buildCode();
     void buildProse();
     void showText();
+    void showCursor();
     void showPill();
     void applyZoom();
     void place();

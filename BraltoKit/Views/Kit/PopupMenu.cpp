@@ -82,7 +82,7 @@ public:
         if (type != CT_MenuItem || !item)
             return QProxyStyle::sizeFromContents(type, option, size, widget);
         if (item->menuItemType == QStyleOptionMenuItem::Separator)
-            return {0, LineHeight};
+            return {1, LineHeight}; // what has no width gets no room
         int width = int(TextLine::width(TextRole::Body, words(*item)) + 1) + 2 * Padding;
         if (item->menuHasCheckableItems)
             width += TickColumn;

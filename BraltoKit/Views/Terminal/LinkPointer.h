@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <optional>
+#include <variant>
 
 namespace Bralto {
 

@@ -2,6 +2,9 @@
 
 #include "Views/Kit/ThemedWidget.h"
 
+#include <QString>
+#include <QStringList>
+
 namespace Bralto {
 
 /// Asks before text with line ends goes to a program that takes each line as a command. Return

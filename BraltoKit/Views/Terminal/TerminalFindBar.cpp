@@ -14,7 +14,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <array>
 
 namespace Bralto {
 
@@ -27,6 +26,7 @@ constexpr int FieldHeight = 28;
 constexpr int SwitchSide = 22;
 constexpr int SwitchInset = 3;
 constexpr int StatusWidth = 86;
+constexpr int RightInset = Measure::Space4; // clear of the scroll bar
 constexpr int Edge = 1;
 constexpr int SearchedRows = 4096; ///< At most, in one slice; time ends most of them earlier.
 
@@ -268,8 +268,8 @@ void TerminalFindBar::place()
 {
     const int widest = layout()->contentsMargins().left() * 2 + FieldWidth + StatusWidth +
                        3 * Measure::IconButton + Measure::Space2 * 2;
-    const int width = std::min(widest, m_view.width() - 2 * Measure::Space2);
-    setGeometry(m_view.width() - width - Measure::Space2, Measure::Space2, width, Height);
+    const int width = std::min(widest, m_view.width() - Measure::Space2 - RightInset);
+    setGeometry(m_view.width() - width - RightInset, Measure::Space2, width, Height);
 }
 
 void TerminalFindBar::placeSwitches()

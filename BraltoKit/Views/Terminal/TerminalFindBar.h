@@ -37,6 +37,9 @@ public:
     void next();
     void previous();
 
+    /// Whether something is left to search.
+    [[nodiscard]] bool isSearching() const { return m_timer.isActive(); }
+
     /// "3 of 42", or why there is none; empty while nothing is looked for.
     [[nodiscard]] static QString status(const Kovalt::SearchService& search,
                                         const std::optional<Kovalt::SearchError>& error);

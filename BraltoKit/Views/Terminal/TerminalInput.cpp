@@ -22,7 +22,8 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
-#include <utility>
+#include <string>
+#include <string_view>
 
 namespace Bralto {
 
@@ -40,6 +41,15 @@ bool isModifierAlone(const Kovalt::KittyKeyEvent& event)
 {
     return event.key.kind() == Kovalt::KittyKey::Kind::Functional &&
            Kovalt::isModifierKey(event.key.function());
+}
+
+/// What is held once the event is over.
+Qt::KeyboardModifiers heldAfter(const QKeyEvent& event)
+{
+    Qt::KeyboardModifiers held = event.modifiers();
+    if (event.key() == Qt::Key_Control)
+        held.setFlag(Qt::ControlModifier, event.type() == QEvent::KeyPress);
+    return held;
 }
 
 std::string_view viewOf(const QByteArray& bytes)
@@ -113,13 +123,13 @@ void TerminalInput::keyPressed(QKeyEvent* event)
     }
     if (send(press))
         m_held.insert(identity(press));
-    m_pointer->holdModifiers(event->modifiers());
+    m_pointer->holdModifiers(heldAfter(*event));
 }
 
 void TerminalInput::keyReleased(QKeyEvent* event)
 {
     event->accept();
-    m_pointer->holdModifiers(event->modifiers());
+    m_pointer->holdModifiers(heldAfter(*event));
     // A key that is held down is told by its presses; and what was no press is no release.
     if (event->isAutoRepeat())
         return;
@@ -297,6 +307,8 @@ void TerminalInput::pointerLeft()
 
 void TerminalInput::focusChanged(QFocusEvent* event)
 {
+    if (event->gotFocus() && event->reason() == Qt::MouseFocusReason)
+        m_pointer->noteFocusByClick();
     if (event->lostFocus()) {
         m_held.clear();
         m_pointer->holdModifiers({});

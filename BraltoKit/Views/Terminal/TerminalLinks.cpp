@@ -113,7 +113,7 @@ std::optional<Target> target(const QString& text, const Folders& folders)
     if (text.isEmpty() || text.size() > LongestAddress || hasControls(text))
         return std::nullopt;
     static const QRegularExpression withScheme(
-        QStringLiteral("^([A-Za-z][A-Za-z0-9+.-]*):(?=//|[^0-9/\\\\ ])"));
+        QStringLiteral("^([A-Za-z][A-Za-z0-9+.-]*):(?=//|[^0-9/\\\\ ]|$)"));
     const QRegularExpressionMatch match = withScheme.match(text);
     const QString scheme = match.captured(1).toLower();
     if (scheme == QLatin1String("http") || scheme == QLatin1String("https")) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace Bralto {
 
@@ -77,6 +78,20 @@ std::optional<int> TerminalMouse::motionFlags(MouseMode mode, Qt::MouseButtons b
 int TerminalMouse::wheelFlags(MouseMode mode, Turn turn, Qt::KeyboardModifiers held)
 {
     return modifierFlags(mode, held) + SecondGroup + int(turn);
+}
+
+std::optional<std::string> TerminalMouse::turnToTheRight(Kovalt::MouseProtocolEncoding protocol,
+                                                         const Kovalt::MouseEvent& event)
+{
+    using enum Kovalt::MouseProtocolEncoding;
+    const int right = SecondGroup + int(Turn::Right);
+    if ((protocol != Sgr && protocol != SgrPixel) || (event.buttonFlags & right) != right)
+        return std::nullopt;
+    const bool tellsPixels = protocol == SgrPixel;
+    const int x = tellsPixels ? event.pixelX : event.x + 1;
+    const int y = tellsPixels ? event.pixelY : event.y + 1;
+    return '<' + std::to_string(event.buttonFlags) + ';' + std::to_string(x) + ';' +
+           std::to_string(y) + 'M';
 }
 
 Kovalt::MouseEvent TerminalMouse::eventAt(const TerminalGeometry& geometry, QPointF place,

@@ -37,6 +37,11 @@ enum class Turn { Up, Down, Left, Right };
 /// The flags of one step of a wheel.
 [[nodiscard]] int wheelFlags(Kovalt::MouseMode mode, Turn turn, Qt::KeyboardModifiers held);
 
+/// The body of the control sequence for a turn to the right, in the protocols where its flags read
+/// as those of a release; none in the others.
+[[nodiscard]] std::optional<std::string> turnToTheRight(Kovalt::MouseProtocolEncoding protocol,
+                                                        const Kovalt::MouseEvent& event);
+
 /// An event at a place of the view, which the nearest cell stands for. Pixels are those of the
 /// device, from the corner of the screen.
 [[nodiscard]] Kovalt::MouseEvent eventAt(const TerminalGeometry& geometry, QPointF place,

@@ -7,6 +7,7 @@
 #include <QStyleHints>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -60,8 +61,7 @@ void TerminalPointer::press(const QMouseEvent& event)
 {
     m_place = event.position();
     m_isInside = true;
-    m_hadFocus = m_view.hasFocus();
-    if (!m_hadFocus)
+    if (!m_view.hasFocus())
         m_view.setFocus(Qt::MouseFocusReason);
     m_links.moveTo(m_view.geometryOfCells().cellAt(m_place), isCtrl(event.modifiers()));
 
@@ -94,6 +94,10 @@ void TerminalPointer::countClick(const QMouseEvent& event)
 
 void TerminalPointer::doubleClick(const QMouseEvent& event)
 {
+    // The window system has counted it already, perhaps by another measure.
+    m_clicks = std::max(1, m_clicks);
+    m_lastClick = event.timestamp();
+    m_clickPlace = event.position();
     press(event);
 }
 
@@ -157,6 +161,7 @@ void TerminalPointer::scrollDrag()
 
 void TerminalPointer::release(const QMouseEvent& event)
 {
+    const bool broughtFocus = std::exchange(m_bringsFocus, false);
     m_place = event.position();
     if (m_reported.testFlag(event.button())) {
         m_reported.setFlag(event.button(), false);
@@ -186,7 +191,7 @@ void TerminalPointer::release(const QMouseEvent& event)
         // The link may not be known yet to lead somewhere.
         m_links.moveTo(cell, true);
         m_links.follow();
-    } else if (m_hadFocus && event.modifiers() == Qt::NoModifier) {
+    } else if (!broughtFocus && event.modifiers() == Qt::NoModifier) {
         session.terminal().handleSemanticPromptClick(cell, {});
     }
 }
@@ -235,6 +240,8 @@ void TerminalPointer::report(QPointF place, int flags, bool isMotion)
     m_lastReport = told;
     if (isMotion)
         terminal.sendMotion(event);
+    else if (const auto body = TerminalMouse::turnToTheRight(modes().mouseProtocol, event))
+        terminal.sendCsi(*body);
     else
         terminal.sendEvent(event);
 }

@@ -30,6 +30,8 @@ public:
     void leave();
     /// A modifier was pressed or released while the pointer rests.
     void holdModifiers(Qt::KeyboardModifiers held);
+    /// The click that comes next has brought the keyboard here.
+    void noteFocusByClick() { m_bringsFocus = true; }
     /// The program wants other events of the pointer than before.
     void showShape();
 
@@ -61,8 +63,8 @@ private:
 
     bool m_isSelecting = false;
     bool m_hasDragged = false;
-    bool m_hadFocus = false; ///< When the button went down.
-    bool m_onLink = false;   ///< The button went down on a link with Ctrl held.
+    bool m_bringsFocus = false; ///< The click that is going on brought the keyboard here.
+    bool m_onLink = false;      ///< The button went down on a link with Ctrl held.
     int m_clicks = 0;
     quint64 m_lastClick = 0; ///< Milliseconds, as events count them.
     QPointF m_clickPlace;

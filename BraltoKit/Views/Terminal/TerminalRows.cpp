@@ -95,12 +95,9 @@ RowLook TerminalRows::lookOf(const Source& source, int row) const
                 look.link = {part.first, part.last};
         }
     }
-    if (!m_hits.empty()) {
-        const auto [first, last] =
-            std::ranges::equal_range(m_hits, ringRow, {}, &Kovalt::SearchHighlight::row);
-        for (auto hit = first; hit != last; ++hit)
-            look.hits.emplace_back(hit->columns, hit->isCurrent);
-    }
+    auto hit = std::ranges::lower_bound(m_hits, ringRow, {}, &Kovalt::SearchHighlight::row);
+    for (; hit != m_hits.end() && hit->row == ringRow; ++hit)
+        look.hits.emplace_back(hit->columns, hit->isCurrent);
     if (row == source.cursorRow) {
         look.cursor = source.cursor;
         look.preedit = source.preedit;

@@ -3,6 +3,7 @@
 
 #include <QAction>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QInputMethodEvent>
 #include <QMimeData>
@@ -59,12 +60,13 @@ TEST_F(TerminalInputTest, TypedTextAndChordsReachTheProgram)
 
 TEST_F(TerminalInputTest, TheProgramsModesChangeWhatKeysSend)
 {
-    write("\033[?1h\033[>1u");
-
+    write("\033[?1h");
     key(Qt::Key_Up);
-    key(Qt::Key_Return, Shift);
+    EXPECT_EQ(sent(), "\x1bOA");
 
-    EXPECT_EQ(sent(), "\x1bOA\x1b[13;2u");
+    write("\033[>1u");
+    key(Qt::Key_Return, Shift);
+    EXPECT_EQ(sent(), "\x1b[13;2u");
 }
 
 TEST_F(TerminalInputTest, AReleaseIsToldOnlyAfterItsPress)
@@ -204,6 +206,9 @@ TEST_F(TerminalInputTest, DroppedFilesArePastedAsWordsForAShell)
 {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile("/a b.txt"), QUrl::fromLocalFile("/it's")});
+    QDragEnterEvent enter({50, 50}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(view.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
     QDropEvent drop(QPointF(50, 50), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
 
     QCoreApplication::sendEvent(view.get(), &drop);

@@ -27,8 +27,6 @@ struct TerminalMouseTest : testing::Test, TerminalInputHarness {
     }
     void click(int col, int row, Qt::KeyboardModifiers held = {}, Qt::MouseButton button = Left)
     {
-        // Two clicks here are never a double click.
-        QTest::qWait(0);
         QTest::mouseClick(view.get(), button, held, at(col, row));
     }
     void move(QPoint place, Qt::MouseButtons held = {}, Qt::KeyboardModifiers modifiers = {})
@@ -148,7 +146,7 @@ TEST_F(TerminalMouseTest, ADragSelectsCharacters)
     EXPECT_EQ(sent(), "");
 }
 
-TEST_F(TerminalMouseTest, ADoubleClickSelectsAWordAndATripleClickALine)
+TEST_F(TerminalMouseTest, ADoubleClickSelectsAWord)
 {
     write("some /usr/lib text\r\nmore");
 
@@ -173,7 +171,7 @@ TEST_F(TerminalMouseTest, AThirdQuickClickSelectsTheLine)
         event(down);
         event(QEvent::MouseButtonRelease);
     }
-    EXPECT_EQ(selectedText(), "some /usr/lib text\n");
+    EXPECT_EQ(selectedText(), "some /usr/lib text");
 
     time += 5000;
     event(QEvent::MouseButtonPress);
@@ -212,8 +210,7 @@ TEST_F(TerminalMouseTest, ADragAboveTheViewScrolls)
     press(3, 5);
 
     move({50, -40}, Left);
-    QTest::qWaitFor([&] { return buffer().yDisp < end - 4; });
-    EXPECT_LT(buffer().yDisp, end - 4);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return buffer().yDisp < end - 4; }));
     release(3, 0);
     const int stopped = buffer().yDisp;
 
