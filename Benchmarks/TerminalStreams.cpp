@@ -145,6 +145,18 @@ void unicode(std::string& text, StreamRandom& random)
     text += "\r\n";
 }
 
+void cjk(std::string& text, StreamRandom& random)
+{
+    static constexpr std::array<std::string_view, 12> Pieces = {
+        "終端機", "日本語の文", "한국어", "中文字符", "記録", "サーバー",
+        "接続",   "が開始した", "요청",   "처리됨",   "错误", "重试。"};
+    number(text, random.between(1000, 9999));
+    text += ' ';
+    for (unsigned count = random.between(6, 14); count != 0; --count)
+        text += Pieces[random.below(Pieces.size())];
+    text += "\r\n";
+}
+
 void cursor(std::string& text, StreamRandom& random)
 {
     position(text, random.between(1, Rows), random.between(1, Cols - 10));
@@ -204,7 +216,7 @@ void osc(std::string& text, StreamRandom& random)
     text += "\r\n\x1b]133;D;0\x07";
 }
 
-constexpr std::array<TerminalStream, 10> Streams = {{
+constexpr std::array<TerminalStream, 11> Streams = {{
     {"plain", plain},
     {"light", light},
     {"colour", colour},
@@ -212,6 +224,7 @@ constexpr std::array<TerminalStream, 10> Streams = {{
     {"scroll", scroll},
     {"region", region, "\x1b[4;20r\x1b[20;1H"},
     {"unicode", unicode},
+    {"cjk", cjk},
     {"cursor", cursor},
     {"alt", alt, "\x1b[?1049h"},
     {"osc", osc},

@@ -13,16 +13,23 @@ FramePacer::FramePacer(std::function<void()> frame, QObject* parent)
 {
 }
 
+std::chrono::milliseconds FramePacer::wait(std::chrono::milliseconds interval,
+                                           std::chrono::nanoseconds since)
+{
+    return std::max(std::chrono::floor<std::chrono::milliseconds>(interval - since),
+                    std::chrono::milliseconds(0));
+}
+
 void FramePacer::request()
 {
     if (m_timer.isActive())
         return;
-    const std::chrono::milliseconds since(m_sinceLast.isValid() ? m_sinceLast.elapsed()
-                                                                : Longest.count());
+    const std::chrono::nanoseconds since =
+        m_sinceLast.isValid() ? std::chrono::nanoseconds(m_sinceLast.nsecsElapsed()) : Longest;
     if (since >= m_interval)
         take();
     else
-        m_timer.start(int((m_interval - since).count()), Qt::PreciseTimer, this);
+        m_timer.start(int(wait(m_interval, since).count()), Qt::PreciseTimer, this);
 }
 
 void FramePacer::timerEvent(QTimerEvent* event)

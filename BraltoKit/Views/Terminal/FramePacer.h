@@ -19,6 +19,12 @@ public:
     static constexpr std::chrono::milliseconds Shortest{16};
     static constexpr std::chrono::milliseconds Longest{48};
 
+    /// How long a timer waits with a frame that comes `interval` after the one of `since` ago. A
+    /// timer has whole milliseconds and is never early, so none of them may be a started one: else
+    /// a scroll that never stops has less than sixty frames a second.
+    [[nodiscard]] static std::chrono::milliseconds wait(std::chrono::milliseconds interval,
+                                                        std::chrono::nanoseconds since);
+
     FramePacer(std::function<void()> frame, QObject* parent);
 
     /// Something changed. The frame may be taken before this returns.

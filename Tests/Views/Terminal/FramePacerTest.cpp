@@ -47,6 +47,17 @@ TEST_F(FramePacerTest, AFrameThatWasCancelledIsNotTaken)
     EXPECT_EQ(frames, 1);
 }
 
+TEST(FramePacer, AStartedMillisecondIsNotWaitedFor)
+{
+    using namespace std::chrono_literals;
+
+    EXPECT_EQ(FramePacer::wait(16ms, 0us), 16ms);
+    EXPECT_EQ(FramePacer::wait(16ms, 1us), 15ms);
+    EXPECT_EQ(FramePacer::wait(16ms, 900us), 15ms);
+    EXPECT_EQ(FramePacer::wait(16ms, 15'999us), 0ms);
+    EXPECT_EQ(FramePacer::wait(16ms, 17ms), 0ms);
+}
+
 TEST(FramePacer, CostlyFramesAreFurtherApart)
 {
     QElapsedTimer clock;
