@@ -276,11 +276,23 @@ TEST_F(ConsoleDropTest, ThePictureOfADragIsBoundedAndKeepsItsGrip)
 {
     QPoint grip(view->width() / 2, 10);
 
-    const QPixmap picture = ConsoleCarrier::picture(*view, 8, views.theme.tokens(), grip);
+    const QPixmap picture = ConsoleCarrier::picture(*view, 8, views.theme, grip);
 
     EXPECT_LE(picture.deviceIndependentSize().width(), 400);
     EXPECT_TRUE(QRectF(QPointF(), picture.deviceIndependentSize()).contains(grip));
     EXPECT_NEAR(grip.x(), picture.deviceIndependentSize().width() / 2, 2);
+}
+
+TEST_F(ConsoleDropTest, WhereNothingIsSeeThroughThePictureHasNoMarginAndNoHole)
+{
+    const Theme plain({.dark = true, .reducedMotion = true, .composited = false});
+    QPoint grip(0, 0);
+
+    const QImage picture = ConsoleCarrier::picture(*view, 8, plain, grip).toImage();
+
+    EXPECT_EQ(grip, QPoint(0, 0));
+    EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 255);
+    EXPECT_EQ(picture.pixelColor(picture.width() - 1, picture.height() - 1).alpha(), 255);
 }
 
 TEST_F(ConsoleDropTest, AShortWayWithThePointerIsNoDrag)

@@ -21,24 +21,27 @@ constexpr int HighestPicture = 180;
 
 } // namespace
 
-QPixmap picture(QWidget& widget, int radius, const Tokens& tokens, QPoint& grip)
+QPixmap picture(QWidget& widget, int radius, const Theme& theme, QPoint& grip)
 {
+    const Tokens& tokens = theme.tokens();
+    // Where nothing can be see-through, all around the card would be white.
+    const double margin = theme.isComposited() ? Float::ShadowMargin : 0;
     const QPixmap whole = widget.grab();
     const double ratio = whole.devicePixelRatio();
     const QSizeF size = whole.deviceIndependentSize();
     const double scale =
         std::min({1.0, WidestPicture / size.width(), HighestPicture / size.height()});
-    const QRectF card(QPointF(Float::ShadowMargin, Float::ShadowMargin), size * scale);
+    const QRectF card(QPointF(margin, margin), size * scale);
 
-    QPixmap result(
-        (card.size() + QSizeF(2.0 * Float::ShadowMargin, 2.0 * Float::ShadowMargin)).toSize() *
-        ratio);
+    QPixmap result((card.size() + QSizeF(2 * margin, 2 * margin)).toSize() * ratio);
     result.setDevicePixelRatio(ratio);
-    result.fill(Qt::transparent);
+    result.fill(theme.isComposited() ? QColor(Qt::transparent) : tokens.frame.stops[1]);
     QPainter painter(&result);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    painter.setOpacity(Opacity);
-    Float::drawShadow(painter, card, radius, tokens);
+    if (theme.isComposited()) {
+        painter.setOpacity(Opacity);
+        Float::drawShadow(painter, card, radius, tokens);
+    }
     QPainterPath shape;
     shape.addRoundedRect(card, radius, radius);
     painter.setClipPath(shape);

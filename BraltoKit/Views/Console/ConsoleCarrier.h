@@ -3,7 +3,7 @@
 #include "Terminals/ConsoleDrag.h"
 #include "Terminals/ConsoleDrop.h"
 
-#include "Views/Kit/Tokens.h"
+#include "Views/Kit/Theme.h"
 
 #include <QPixmap>
 
@@ -13,10 +13,10 @@ class QWidget;
 /// A drag of a pane or a tab as the window system sees it.
 namespace Bralto::ConsoleCarrier {
 
-/// The picture of what is dragged: rounded, somewhat see-through, with a shadow, at most so wide
-/// as a tab and a half. `grip` is the place of the pointer in the widget, and becomes that in the
-/// picture.
-[[nodiscard]] QPixmap picture(QWidget& widget, int radius, const Tokens& tokens, QPoint& grip);
+/// The picture of what is dragged: rounded, somewhat see-through and with a shadow where windows
+/// can be, at most so wide as a tab and a half. `grip` is the place of the pointer in the widget,
+/// and becomes that in the picture.
+[[nodiscard]] QPixmap picture(QWidget& widget, int radius, const Theme& theme, QPoint& grip);
 
 /// Drags `item` until the user lets go of it. Runs an event loop, so the caller may be gone
 /// afterwards; `drag` may go meanwhile, `window` may not.

@@ -223,7 +223,7 @@ void TerminalPanelView::dragGroup(GroupChip& chip, const QPoint& grip)
 void TerminalPanelView::startDrag(const ConsoleDrag::Item& item, QWidget& dragged, int radius,
                                   QPoint grip)
 {
-    const QPixmap picture = ConsoleCarrier::picture(dragged, radius, tokens(), grip);
+    const QPixmap picture = ConsoleCarrier::picture(dragged, radius, theme(), grip);
     // The drag runs an event loop in which the dragged view may go, whose own event this is.
     QMetaObject::invokeMethod(
         this,
