@@ -92,7 +92,7 @@ public:
         const QJsonValue value = m_object.value(QLatin1String(key));
         if (value.isUndefined() || value.isNull())
             return std::nullopt;
-        const auto style = PaneStyle::from(value.toObject());
+        auto style = PaneStyle::from(value.toObject());
         m_areValid = m_areValid && style;
         return style;
     }

@@ -49,9 +49,9 @@ QString replayed(const QString& kept, const QString& now)
 QString stamp(const QLocale& locale, const QDateTime& at)
 {
     // There is a long form and a numeric one; what lies between is the long one made shorter.
-    static const QRegularExpression DayOfTheWeek(QStringLiteral("[,\\s]*dddd[,\\s]*"));
+    static const QRegularExpression dayOfTheWeek(QStringLiteral("[,\\s]*dddd[,\\s]*"));
     QString format = locale.dateFormat(QLocale::LongFormat);
-    format.replace(DayOfTheWeek, QString());
+    format.replace(dayOfTheWeek, QString());
     format.replace(QStringLiteral("MMMM"), QStringLiteral("MMM"));
     return locale.toString(at.date(), format) + QStringLiteral(", ") +
            locale.toString(at.time(), QLocale::ShortFormat);

@@ -199,7 +199,7 @@ void TerminalPanelView::place(Step step)
     if (step == Step::Animated)
         m_glide->moveTo(std::move(ways), m_drag.item() ? Motions::Drag : Motions::Panel);
     else
-        m_glide->jumpTo(std::move(ways));
+        m_glide->jumpTo(ways);
 }
 
 /// All panes are where they belong: terminals take their size.

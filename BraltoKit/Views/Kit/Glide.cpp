@@ -53,7 +53,7 @@ void Glide::moveTo(std::vector<Way> ways, const Motions::Course& course)
     const bool isThere =
         std::ranges::all_of(ways, [](const Way& way) { return way.start == way.goal; });
     if (isThere || m_theme.reducedMotion()) {
-        jumpTo(std::move(ways));
+        jumpTo(ways);
         return;
     }
     const bool wasMoving = isMoving();
@@ -68,7 +68,7 @@ void Glide::moveTo(std::vector<Way> ways, const Motions::Course& course)
     m_animation.start();
 }
 
-void Glide::jumpTo(std::vector<Way> ways)
+void Glide::jumpTo(const std::vector<Way>& ways)
 {
     const bool wasMoving = isMoving();
     m_animation.stop();

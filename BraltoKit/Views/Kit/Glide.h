@@ -32,7 +32,7 @@ public:
     }
     /// From where the widgets are. Does nothing if they are there or on that very way.
     void moveTo(std::vector<Way> ways, const Motions::Course& course);
-    void jumpTo(std::vector<Way> ways);
+    void jumpTo(const std::vector<Way>& ways);
 
 signals:
     void started();
