@@ -77,8 +77,7 @@ struct TerminalJourney : testing::Test {
 TEST_F(TerminalJourney, AShellRunsInTheProjectWithTheProgramsOwnSurroundings)
 {
     desktop.press("ctrl+bracketright");
-    ASSERT_TRUE(runUntilThere("echo $PWD $TERM $TERM_PROGRAM $BRALTO_PROJECT > out",
-                              path("out")));
+    ASSERT_TRUE(runUntilThere("echo $PWD $TERM $TERM_PROGRAM $BRALTO_PROJECT > out", path("out")));
     desktop.picture("shell");
 
     EXPECT_EQ(DesktopSession::read(path("out")).trimmed(),

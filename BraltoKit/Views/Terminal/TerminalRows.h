@@ -74,7 +74,7 @@ private:
     std::vector<int> m_changed;
     const Kovalt::Buffer* m_buffer = nullptr;
     std::uint64_t m_numbering = 0;
-    int m_count = 0; ///< Of the rows in the buffer.
+    int m_count = 0;        ///< Of the rows in the buffer.
     std::int64_t m_top = 0; ///< The view's first row at the last refresh, which scrolling keeps.
     int m_painted = 0;
     bool m_isForgotten = true;
