@@ -79,14 +79,12 @@ std::string scripts()
     return "Latin ÄÖÜ éèê ñ ß ŋ ə  Greek αβγδ Ωμέγα  Cyrillic Здравствуй\r\n"
            "Wide 漢字かな交じり文 한국어 中文 ｆｕｌｌ\r\n"
            "|..|..|..|..|..|..|\r\n"
-           "Emoji 😀🚀🎉🔥👍🏽👩‍💻🏳️‍🌈❤️☎️ ☺ ✓ ✗ → ⇒ ● ★ "
-           "⚡ "
-           "⏎\r\n"
+           "Emoji 😀🚀🎉🔥👍🏽👩‍💻🏳️‍🌈❤️☎️ "
+           "☺ ✓ ✗ → ⇒ ● ★ ⚡ ⏎\r\n"
            "Marks e\u0301 a\u0308 n\u0303 o\u0302\u0323 Z\u0351\u036B\u0343\r\n"
            "Arrows ←↑→↓ ↔ ⟶ math ∀∃∈∑∫√∞≈≠≤≥ shapes ■□▪▲△◆◇○●\r\n"
-           "Symbols ✔ ✘ ⚠ ℹ ⓘ ☐ ☑ ⌘ ⌥ ⇧ ⎋ █▓▒░ ⏺ ⎿ ✻ ✢ ✳ "
-           "∗ "
-           "❯\r\n"
+           "Symbols ✔ ✘ ⚠ ℹ ⓘ ☐ ☑ ⌘ ⌥ ⇧ ⎋ "
+           "█▓▒░ ⏺ ⎿ ✻ ✢ ✳ ∗ ❯\r\n"
            "Signs -> => != == <= >= ... /* */ || && :: www 0xFF\r\n"
            "\033#3Double height\r\n\033#4Double height\r\n\033#6Double width ┌──┐\r\n";
 }
