@@ -147,11 +147,12 @@ TEST_F(TerminalSessionProcessTest, AnAgentThatWillNotEndIsKilledAfterFiveSeconds
 TEST_F(TerminalSessionProcessTest, AFullScreenProgramGetsItsAnswersAndLeavesTheShellsTextAlone)
 {
     // What the agent asks for at its start: attributes, the keyboard's flags, a mode.
-    write("agent", "stty raw -echo min 1 time 2\n"
+    write("agent", "stty raw -echo min 0 time 10\n"
                    "printf '\\033[?1049h\\033[>1u\\033[?2004h\\033[c\\033[?u\\033[?2026$p'\n"
-                   "answers=$(dd bs=200 count=3 2>/dev/null | tr -c '[:print:]' '.')\n"
+                   "answers=$(cat | tr -c '[:print:]' '.')\n"
                    "printf 'answers %s' \"$answers\"\n"
-                   "read -r line\n"
+                   "stty min 1 time 0\n"
+                   "head -c 1 >/dev/null\n"
                    "printf '\\033[<u\\033[?2004l\\033[?1049l'\n"
                    "stty sane\n");
     const auto session = start(PaneKind::Claude);
