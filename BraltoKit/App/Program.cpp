@@ -117,7 +117,7 @@ Workspace::Services Program::workspaceServices()
     }
     return {m_defaults,      *legacy,       m_paths,           m_scheduler,      m_clock,
             m_dialogs,       m_desktop,     m_projects,        m_versionControl, m_focus,
-            panelServices(), m_role.folder, Pages::Unavailable};
+            panelServices(), m_role.folder};
 }
 
 TerminalPanel::Services Program::panelServices()

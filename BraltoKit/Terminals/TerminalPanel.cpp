@@ -1,6 +1,7 @@
 #include "Terminals/TerminalPanel.h"
 
 #include "Base/Uuid.h"
+#include "Terminals/OutliveThisTurn.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,16 +11,6 @@ namespace Bralto {
 namespace {
 
 constexpr std::chrono::milliseconds SlideAway{340};
-
-/// Keeps `object` until the turn of the event loop is over. `owner` destroys it earlier if it goes
-/// first, since a queued call dies with its context.
-template <typename Object>
-void outliveThisTurn(QObject* owner, std::unique_ptr<Object> object)
-{
-    const std::shared_ptr<Object> shared = std::move(object);
-    QMetaObject::invokeMethod(
-        owner, [shared] {}, Qt::QueuedConnection);
-}
 
 } // namespace
 
@@ -81,15 +72,21 @@ TerminalGroup* TerminalPanel::group(const QString& id) const
     return found != m_groups.end() ? found->get() : nullptr;
 }
 
-ConsolePane* TerminalPanel::pane(const QString& id) const
+template <typename Predicate>
+ConsolePane* TerminalPanel::findPane(Predicate isIt) const
 {
     for (const auto& each : m_groups) {
         for (const auto& pane : each->panes()) {
-            if (pane->id() == id)
+            if (isIt(*pane))
                 return pane.get();
         }
     }
     return nullptr;
+}
+
+ConsolePane* TerminalPanel::pane(const QString& id) const
+{
+    return findPane([&id](const ConsolePane& pane) { return pane.id() == id; });
 }
 
 std::vector<TerminalSession*> TerminalPanel::allSessions() const
@@ -106,13 +103,9 @@ std::vector<TerminalSession*> TerminalPanel::allSessions() const
 
 const ConsolePane* TerminalPanel::paneOfConversation(const QString& claudeSessionId) const
 {
-    for (const auto& group : m_groups) {
-        for (const auto& pane : group->panes()) {
-            if (pane->claudeSessionId() == claudeSessionId)
-                return pane.get();
-        }
-    }
-    return nullptr;
+    return findPane([&claudeSessionId](const ConsolePane& pane) {
+        return pane.claudeSessionId() == claudeSessionId;
+    });
 }
 
 // --- opening and hiding
@@ -326,15 +319,12 @@ std::unique_ptr<TerminalSession> TerminalPanel::resumedTerminal(const QString& c
 
 void TerminalPanel::removeEnded(const TerminalSession* session)
 {
-    for (const auto& each : m_groups) {
-        for (const auto& pane : each->panes()) {
-            // A swap ends its shell and goes on with the pane.
-            if (pane->terminal() == session && !pane->isSwapping()) {
-                remove(pane.get());
-                return;
-            }
-        }
-    }
+    // A swap ends its shell and goes on with the pane.
+    const ConsolePane* ended = findPane([session](const ConsolePane& pane) {
+        return pane.terminal() == session && !pane.isSwapping();
+    });
+    if (ended)
+        remove(ended);
 }
 
 void TerminalPanel::remove(const ConsolePane* pane)

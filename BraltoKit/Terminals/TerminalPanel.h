@@ -248,6 +248,8 @@ private:
     [[nodiscard]] std::unique_ptr<TerminalSession> resumedTerminal(const QString& claudeSessionId,
                                                                    const QString& folder);
     void removeEnded(const TerminalSession* session);
+    template <typename Predicate>
+    [[nodiscard]] ConsolePane* findPane(Predicate isIt) const; ///< Null if none is it.
     [[nodiscard]] std::optional<std::size_t> indexOf(const TerminalGroup* group) const;
     void append(std::unique_ptr<ConsolePane> pane);
     void insertBesideFocused(std::unique_ptr<ConsolePane> pane);

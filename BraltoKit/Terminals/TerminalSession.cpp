@@ -1,5 +1,6 @@
 #include "Terminals/TerminalSession.h"
 
+#include "Base/Paths.h"
 #include "Base/Uuid.h"
 #include "Kovalt/Ascii.h"
 #include "Kovalt/Paste.h"
@@ -40,12 +41,6 @@ QString directoryOf(const TerminalSession::Start& start)
     if (start.snapshot && QFileInfo::exists(start.snapshot->directory))
         return start.snapshot->directory;
     return start.directory;
-}
-
-/// Of a path to a shell.
-QString nameOf(const QString& shell)
-{
-    return shell.section(u'/', -1);
 }
 
 } // namespace
@@ -117,7 +112,7 @@ void TerminalSession::replay(const QString& scrollback)
 void TerminalSession::startShell(const QString& project)
 {
     const QString shell = m_services.host.shell();
-    const QString name = nameOf(shell);
+    const QString name = Paths::lastComponent(shell);
     m_title = name;
     Kovalt::ProcessStart program;
     program.executable = QFile::encodeName(shell).toStdString();
@@ -193,24 +188,6 @@ void TerminalSession::scrollTo(int topRow)
     if (top == buffer.yDisp)
         return;
     buffer.yDisp = top;
-    m_terminal.updateFullScreen();
-    emit changed();
-}
-
-void TerminalSession::clearScrollback()
-{
-    m_terminal.clearScrollback();
-    m_terminal.setUserScrolling(false);
-    m_terminal.updateFullScreen();
-    emit changed();
-}
-
-void TerminalSession::reset()
-{
-    m_terminal.resetToInitialState();
-    m_terminal.setUserScrolling(false);
-    m_terminal.updateFullScreen();
-    emit modesChanged();
     emit changed();
 }
 
@@ -431,12 +408,6 @@ void TerminalSession::notify(Kovalt::Terminal& /*source*/, std::string_view titl
     };
     if (m_process)
         emit notified(text(title), text(body));
-}
-
-void TerminalSession::progressReport(Kovalt::Terminal& /*source*/,
-                                     const Kovalt::ProgressReport& report)
-{
-    emit progressChanged(report);
 }
 
 } // namespace Bralto

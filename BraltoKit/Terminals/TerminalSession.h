@@ -2,7 +2,6 @@
 
 #include "Base/Clock.h"
 #include "Base/Scheduler.h"
-#include "Kovalt/ProgressReport.h"
 #include "Kovalt/Search/SearchService.h"
 #include "Kovalt/Selection/SelectionService.h"
 #include "Kovalt/Terminal.h"
@@ -100,8 +99,6 @@ public:
     void setFocused(bool focused);
     /// Moves the view of the history, in rows of the ring; held within it.
     void scrollTo(int topRow);
-    void clearScrollback();
-    void reset(); ///< As after a power-on, for a program that left the terminal in disorder.
 
     /// Ends what runs under the shell, at the latest after five seconds; then calls `done`, never
     /// in this turn, and not at all once the session has gone.
@@ -114,8 +111,7 @@ public:
     [[nodiscard]] QString scrollbackText() const;
 
 signals:
-    /// There is something else to paint. Comes with every piece of output; look at
-    /// `Kovalt::Terminal::getUpdateRange` once a frame.
+    /// There is something else to show. Comes with every piece of output, so look once a frame.
     void changed();
     void titleChanged();
     void colorsChanged();
@@ -125,7 +121,6 @@ signals:
     void clipboardCopied(const QString& text);
     /// A program wants to tell the user something.
     void notified(const QString& title, const QString& body);
-    void progressChanged(const Kovalt::ProgressReport& report);
     void ended();
 
 private:
@@ -150,7 +145,6 @@ private:
     void setCursorColor(Kovalt::Terminal& source, std::optional<Kovalt::Color> color) override;
     void clipboardCopy(Kovalt::Terminal& source, std::span<const std::uint8_t> content) override;
     void notify(Kovalt::Terminal& source, std::string_view title, std::string_view body) override;
-    void progressReport(Kovalt::Terminal& source, const Kovalt::ProgressReport& report) override;
     // Kovalt::LocalProcessDelegate
     void processTerminated(Kovalt::LocalProcess& source,
                            std::optional<std::int32_t> exitCode) override;

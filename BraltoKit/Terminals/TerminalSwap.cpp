@@ -1,4 +1,5 @@
 #include "Base/Uuid.h"
+#include "Terminals/OutliveThisTurn.h"
 #include "Terminals/TerminalPanel.h"
 
 #include <QPointer>
@@ -44,10 +45,8 @@ void TerminalPanel::swapToChat(ConsolePane& pane)
 
 void TerminalPanel::finishSwap(ConsolePane& pane, ConsolePane::Content content)
 {
-    const auto old = std::make_shared<ConsolePane::Content>(pane.exchange(std::move(content)));
-    // The call that ends the swap comes from what was there.
-    QMetaObject::invokeMethod(
-        this, [old] {}, Qt::QueuedConnection);
+    outliveThisTurn(this,
+                    std::make_unique<ConsolePane::Content>(pane.exchange(std::move(content))));
     pane.setSwapping(false);
     const TerminalGroup* group = groupOf(&pane);
     if (!group)

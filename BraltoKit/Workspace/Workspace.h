@@ -71,9 +71,6 @@ public:
     virtual void refresh() = 0;
 };
 
-/// Whether tabs can show pages. Without pages nothing makes a blank one.
-enum class Pages { Unavailable, Available };
-
 /// Why a project folder could not be made.
 struct ProjectFolderError {
     enum class Kind { InvalidName, Exists, Failed };
@@ -110,7 +107,7 @@ public:
         TerminalPanel::Services panel; ///< What every panel is made with.
         /// The project of this process's bundle; absent in the home application.
         std::optional<QString> folder;
-        Pages pages = Pages::Unavailable;
+        BrowserServices browser = {}; ///< Without pages nothing makes a blank tab.
     };
 
     enum class RestoreSession { No, Yes };
@@ -143,7 +140,7 @@ public:
     [[nodiscard]] bool showHiddenFiles() const { return m_showHiddenFiles; }
     [[nodiscard]] bool autosaveEnabled() const { return m_autosaveEnabled; }
     [[nodiscard]] TerminalPanel& terminal() const { return *m_terminal; }
-    [[nodiscard]] bool canShowPages() const { return m_services.pages == Pages::Available; }
+    [[nodiscard]] bool canShowPages() const { return m_services.browser.pages != nullptr; }
     /// The project's folder vanished while it was open. Its texts stay, and saving one says why it
     /// could not be; once the folder is back, everything goes on.
     [[nodiscard]] bool isRootMissing() const;

@@ -78,7 +78,8 @@ std::optional<WorkspaceTab> Workspace::tabFor(const QString& token) const
         const QUrl url(*address, QUrl::StrictMode);
         if (!url.isValid() || url.isRelative())
             return std::nullopt;
-        return WorkspaceTab(std::make_shared<BrowserTab>(url));
+        return WorkspaceTab(
+            std::make_shared<BrowserTab>(m_services.browser, url, BrowserTab::Load::WhenNeeded));
     }
     return std::nullopt;
 }

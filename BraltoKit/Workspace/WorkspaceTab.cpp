@@ -37,7 +37,8 @@ QString WorkspaceTab::title() const
 {
     if (const EditorDocument* file = document())
         return Paths::lastComponent(file->path());
-    return browser()->title();
+    const BrowserTab& page = *browser();
+    return page.hasTitle() || page.url().host().isEmpty() ? page.title() : page.url().host();
 }
 
 std::optional<QString> WorkspaceTab::sessionToken() const

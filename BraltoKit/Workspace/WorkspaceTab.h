@@ -20,7 +20,8 @@ public:
     [[nodiscard]] const QString& id() const;
     [[nodiscard]] EditorDocument* document() const; ///< Null for a page.
     [[nodiscard]] BrowserTab* browser() const;      ///< Null for a document.
-    /// What shows on the tab: the file's name or the page's title.
+    /// What shows on the tab: the file's name; the page's title, before it
+    /// has one its host.
     [[nodiscard]] QString title() const;
     /// What the session keeps of it: "file:" or "web:" and where it is; absent for a blank page.
     [[nodiscard]] std::optional<QString> sessionToken() const;

@@ -15,7 +15,7 @@ void Workspace::insert(const WorkspaceTab& tab)
 
 void Workspace::insertPage(const QUrl& url)
 {
-    insert(WorkspaceTab(std::make_shared<BrowserTab>(url)));
+    insert(WorkspaceTab(std::make_shared<BrowserTab>(m_services.browser, url)));
 }
 
 /// Puts a new tab behind the active one, or at the end if none is active.
@@ -138,7 +138,7 @@ void Workspace::removeTab(const WorkspaceTab& tab)
         selectTab(next);
     }
     if (BrowserTab* browser = tab.browser())
-        browser->stopLoading();
+        browser->close();
     persistSession();
 }
 
@@ -163,7 +163,7 @@ void Workspace::toggleSplit()
     }
     if (!canShowPages())
         return;
-    const WorkspaceTab blank(std::make_shared<BrowserTab>());
+    const WorkspaceTab blank(std::make_shared<BrowserTab>(m_services.browser));
     place(blank);
     setSplitTabId(blank.id());
     persistSession();

@@ -2,6 +2,7 @@
 
 #include "Tests/Support/FakeDesktop.h"
 #include "Tests/Support/FakeDialogs.h"
+#include "Tests/Support/FakePages.h"
 #include "Tests/Support/FakePanes.h"
 #include "Tests/Support/MemoryDefaultsStore.h"
 #include "Workspace/Workspace.h"
@@ -51,6 +52,9 @@ public:
     int refreshes = 0;
 };
 
+/// Whether tabs can show pages.
+enum class Pages { Unavailable, Available };
+
 /// A home folder with one real project in it, and all that a workspace needs around it.
 class WorkspaceHarness {
 public:
@@ -84,7 +88,9 @@ public:
                 .focus = focus,
                 .panel = panes.panelServices(shared),
                 .folder = folder,
-                .pages = pages};
+                .browser = {.pages = pages == Pages::Available ? &browser : nullptr,
+                            .clock = &chats.clock,
+                            .desktop = &desktop}};
     }
 
     [[nodiscard]] ManualScheduler& scheduler() { return chats.scheduler; }
@@ -117,6 +123,7 @@ public:
     MemoryDefaultsStore shared;
     MemoryDefaultsStore standard;
     MemoryDefaultsStore legacy;
+    FakePages browser;
     PaneMaker panes;
     ChatMaker& chats = panes.chats;
     FakeDialogs dialogs;

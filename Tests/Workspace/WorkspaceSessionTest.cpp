@@ -373,7 +373,7 @@ TEST_F(WorkspaceSessionTest, WithoutASharedDomainItsKeysLandInTheProcesssOwn)
                          .focus = services.focus,
                          .panel = services.panel,
                          .folder = services.folder,
-                         .pages = services.pages},
+                         .browser = services.browser},
                         Workspace::RestoreSession::Yes);
 
     workspace.setShowHiddenFiles(true);

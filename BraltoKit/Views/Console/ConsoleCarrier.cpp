@@ -77,4 +77,14 @@ ConsoleDropInfo info(const QDropEvent& event, const QWidget& target)
             .width = double(target.width())};
 }
 
+void propose(QDropEvent& event, DropProposal proposal)
+{
+    if (proposal == DropProposal::Forbidden) {
+        event.ignore();
+        return;
+    }
+    event.setDropAction(Qt::MoveAction);
+    event.accept();
+}
+
 } // namespace Bralto::ConsoleCarrier

@@ -25,5 +25,23 @@ void run(QWidget& window, ConsoleDrag& drag, const ConsoleDrag::Item& item, cons
 
 /// What a drop event over `target` tells a delegate.
 [[nodiscard]] ConsoleDropInfo info(const QDropEvent& event, const QWidget& target);
+/// Answers the system: what is dragged may be dropped here, or not.
+void propose(QDropEvent& event, DropProposal proposal);
+
+/// A drag has come or moved over `target`, whose delegate it is.
+template <typename Delegate>
+void update(QDropEvent& event, const QWidget& target, Delegate delegate)
+{
+    propose(event, delegate.dropUpdated(info(event, target)));
+}
+
+/// Something was let go of over `target`.
+template <typename Delegate>
+void drop(QDropEvent& event, const QWidget& target, Delegate delegate)
+{
+    const ConsoleDropInfo told = info(event, target);
+    propose(event, DropProposal::Move);
+    delegate.performDrop(told);
+}
 
 } // namespace Bralto::ConsoleCarrier

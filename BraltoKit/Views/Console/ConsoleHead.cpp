@@ -150,9 +150,7 @@ std::unique_ptr<QMenu> ConsoleHead::makeNewMenu()
 
 void ConsoleHead::popUpNewMenu(const QPoint& globalPosition)
 {
-    QMenu* menu = makeNewMenu().release();
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->popup(globalPosition);
+    PopupMenu::popUp(makeNewMenu(), globalPosition);
 }
 
 void ConsoleHead::contextMenuEvent(QContextMenuEvent* event)
@@ -238,25 +236,14 @@ void ConsoleHead::paintEvent(QPaintEvent* /*event*/)
     }
 }
 
-void ConsoleHead::answer(QDropEvent& event)
-{
-    const ConsoleDropInfo info = ConsoleCarrier::info(event, *this);
-    if (HeaderDropDelegate(m_drag, m_panel).dropUpdated(info) == DropProposal::Move) {
-        event.setDropAction(Qt::MoveAction);
-        event.accept();
-    } else {
-        event.ignore();
-    }
-}
-
 void ConsoleHead::dragEnterEvent(QDragEnterEvent* event)
 {
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, HeaderDropDelegate(m_drag, m_panel));
 }
 
 void ConsoleHead::dragMoveEvent(QDragMoveEvent* event)
 {
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, HeaderDropDelegate(m_drag, m_panel));
 }
 
 void ConsoleHead::dragLeaveEvent(QDragLeaveEvent* /*event*/)
@@ -266,10 +253,7 @@ void ConsoleHead::dragLeaveEvent(QDragLeaveEvent* /*event*/)
 
 void ConsoleHead::dropEvent(QDropEvent* event)
 {
-    const ConsoleDropInfo info = ConsoleCarrier::info(*event, *this);
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-    HeaderDropDelegate(m_drag, m_panel).performDrop(info);
+    ConsoleCarrier::drop(*event, *this, HeaderDropDelegate(m_drag, m_panel));
 }
 
 } // namespace Bralto

@@ -58,7 +58,6 @@ private:
     void refresh();
     void place(Step step);
     void popUpNewMenu(const QPoint& globalPosition);
-    void answer(QDropEvent& event);
 
     TerminalPanel& m_panel;
     ConsoleDrag& m_drag;

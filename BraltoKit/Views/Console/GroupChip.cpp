@@ -216,9 +216,7 @@ std::unique_ptr<QMenu> GroupChip::makeMenu()
 
 void GroupChip::contextMenuEvent(QContextMenuEvent* event)
 {
-    QMenu* menu = makeMenu().release();
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->popup(event->globalPos());
+    PopupMenu::popUp(makeMenu(), event->globalPos());
 }
 
 void GroupChip::enterEvent(QEnterEvent* event)
@@ -285,26 +283,15 @@ void GroupChip::keyPressEvent(QKeyEvent* event)
         Control::keyPressEvent(event);
 }
 
-void GroupChip::answer(QDropEvent& event)
-{
-    const ConsoleDropInfo info = ConsoleCarrier::info(event, *this);
-    if (ChipDropDelegate(m_drag, m_panel, m_groupId).dropUpdated(info) == DropProposal::Move) {
-        event.setDropAction(Qt::MoveAction);
-        event.accept();
-    } else {
-        event.ignore();
-    }
-}
-
 void GroupChip::dragEnterEvent(QDragEnterEvent* event)
 {
     ChipDropDelegate(m_drag, m_panel, m_groupId).dropEntered(ConsoleCarrier::info(*event, *this));
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, ChipDropDelegate(m_drag, m_panel, m_groupId));
 }
 
 void GroupChip::dragMoveEvent(QDragMoveEvent* event)
 {
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, ChipDropDelegate(m_drag, m_panel, m_groupId));
 }
 
 void GroupChip::dragLeaveEvent(QDragLeaveEvent* /*event*/)
@@ -314,10 +301,7 @@ void GroupChip::dragLeaveEvent(QDragLeaveEvent* /*event*/)
 
 void GroupChip::dropEvent(QDropEvent* event)
 {
-    const ConsoleDropInfo info = ConsoleCarrier::info(*event, *this);
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-    ChipDropDelegate(m_drag, m_panel, m_groupId).performDrop(info);
+    ConsoleCarrier::drop(*event, *this, ChipDropDelegate(m_drag, m_panel, m_groupId));
 }
 
 void GroupChip::paintGround(QPainter& painter) const

@@ -69,7 +69,6 @@ private:
     void close();
     void returnFocus();
     void setState(State state);
-    void answer(QDropEvent& event);
     void paintGround(QPainter& painter) const;
     void paintState(QPainter& painter, const QRectF& icon, const QColor& ink) const;
     [[nodiscard]] QRect nameRect() const;

@@ -77,25 +77,14 @@ void PaneDropArea::followTarget()
     m_light.moveTo(1);
 }
 
-void PaneDropArea::answer(QDropEvent& event)
-{
-    const ConsoleDropInfo info = ConsoleCarrier::info(event, *this);
-    if (PaneDropDelegate(m_drag, m_panel, m_paneId).dropUpdated(info) == DropProposal::Move) {
-        event.setDropAction(Qt::MoveAction);
-        event.accept();
-    } else {
-        event.ignore();
-    }
-}
-
 void PaneDropArea::dragEnterEvent(QDragEnterEvent* event)
 {
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, PaneDropDelegate(m_drag, m_panel, m_paneId));
 }
 
 void PaneDropArea::dragMoveEvent(QDragMoveEvent* event)
 {
-    answer(*event);
+    ConsoleCarrier::update(*event, *this, PaneDropDelegate(m_drag, m_panel, m_paneId));
 }
 
 void PaneDropArea::dragLeaveEvent(QDragLeaveEvent* /*event*/)
@@ -105,10 +94,7 @@ void PaneDropArea::dragLeaveEvent(QDragLeaveEvent* /*event*/)
 
 void PaneDropArea::dropEvent(QDropEvent* event)
 {
-    const ConsoleDropInfo info = ConsoleCarrier::info(*event, *this);
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-    PaneDropDelegate(m_drag, m_panel, m_paneId).performDrop(info);
+    ConsoleCarrier::drop(*event, *this, PaneDropDelegate(m_drag, m_panel, m_paneId));
 }
 
 void PaneDropArea::paintEvent(QPaintEvent* /*event*/)

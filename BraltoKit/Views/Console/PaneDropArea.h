@@ -31,7 +31,6 @@ protected:
 private:
     void followItem();
     void followTarget();
-    void answer(QDropEvent& event);
     [[nodiscard]] bool isDragged() const;
 
     TerminalPanel& m_panel;

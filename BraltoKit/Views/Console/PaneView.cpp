@@ -8,6 +8,7 @@
 #include "Views/Console/PaneStyleEditor.h"
 #include "Views/Kit/IconButton.h"
 #include "Views/Kit/PaneColors.h"
+#include "Views/Kit/PopupMenu.h"
 #include "Views/Window/Sheet.h"
 #include "Views/Window/WindowFocus.h"
 
@@ -15,6 +16,7 @@
 #include <QContextMenuEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace Bralto {
 namespace {
@@ -144,12 +146,11 @@ std::unique_ptr<QMenu> PaneView::makeMenu()
 void PaneView::showMenu(const QPoint& globalPosition)
 {
     // The pane may end while its menu is open, and takes it along.
-    QMenu* menu = makeMenu().release();
-    menu->setAttribute(Qt::WA_DeleteOnClose);
+    std::unique_ptr<QMenu> menu = makeMenu();
     IconButton& button = m_head->menuButton();
     button.setDown(true);
-    connect(menu, &QMenu::aboutToHide, &button, [&button] { button.setDown(false); });
-    menu->popup(globalPosition);
+    connect(menu.get(), &QMenu::aboutToHide, &button, [&button] { button.setDown(false); });
+    PopupMenu::popUp(std::move(menu), globalPosition);
 }
 
 void PaneView::contextMenuEvent(QContextMenuEvent* event)

@@ -226,6 +226,12 @@ void PopupMenu::dress(QMenu& menu, Theme& theme)
                      [&menu, &theme] { dressAll(menu, theme); });
 }
 
+void PopupMenu::popUp(std::unique_ptr<QMenu> menu, const QPoint& globalPosition)
+{
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu.release()->popup(globalPosition);
+}
+
 void PopupMenu::setSymbol(QAction& action, const QString& symbol)
 {
     action.setProperty(SymbolProperty, symbol);

@@ -2,6 +2,8 @@
 
 #include <QMenu>
 
+#include <memory>
+
 namespace Bralto {
 
 class Theme;
@@ -15,6 +17,9 @@ public:
 
     /// Gives a menu that somebody else made the same look, and its submenus whenever they show.
     static void dress(QMenu& menu, Theme& theme);
+
+    /// Shows a menu with its corner there. It ends when it is closed, or with its parent.
+    static void popUp(std::unique_ptr<QMenu> menu, const QPoint& globalPosition);
 
     /// The symbol before an entry's title.
     static void setSymbol(QAction& action, const QString& symbol);

@@ -50,7 +50,7 @@ protected:
         const QColor fill = isChecked() ? pressedFill() : hoverFill();
         if (isChecked() || hoverAmount() > 0)
             Shape::fill(painter, rect(), Measure::Space1, fill);
-        QFont face = font(TextRole::CaptionMedium);
+        QFont face = Bralto::font(TextRole::CaptionMedium); // Of the role, not of the widget.
         face.setUnderline(m_sign == QLatin1String("ab"));
         painter.setFont(face);
         painter.setPen(isChecked() ? labelInk() : secondaryInk());
@@ -58,8 +58,6 @@ protected:
     }
 
 private:
-    static QFont font(TextRole role) { return Bralto::font(role); }
-
     QString m_sign;
 };
 

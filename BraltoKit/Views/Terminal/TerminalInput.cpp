@@ -73,7 +73,6 @@ TerminalInput::TerminalInput(const ViewServices& services, TerminalView& view)
     view.setAcceptDrops(true);
     view.setAttribute(Qt::WA_InputMethodEnabled);
     view.setInputMethodHints(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
-    view.installEventFilter(this);
 
     const LinkPointer& links = m_pointer->links();
     connect(&links, &LinkPointer::urlActivated, this, &TerminalInput::urlActivated);
@@ -164,14 +163,11 @@ void TerminalInput::typed()
 {
     TerminalSession& session = m_view.session();
     const Kovalt::Buffer& buffer = session.terminal().buffer();
-    const bool isBack = buffer.yDisp != buffer.yBase;
-    const bool hasSelection = session.selection().selection().has_value();
-    if (isBack)
-        session.scrollTo(buffer.yBase);
-    if (hasSelection)
+    session.scrollTo(buffer.yBase);
+    if (session.selection().selection()) {
         session.selection().clear();
-    if (isBack || hasSelection)
         m_view.contentsMoved();
+    }
     m_view.restartCursorBlink();
 }
 
@@ -318,48 +314,33 @@ void TerminalInput::focusChanged(QFocusEvent* event)
         m_view.session().setFocused(event->gotFocus());
 }
 
-bool TerminalInput::eventFilter(QObject* watched, QEvent* event)
+void TerminalInput::askForMenu(QContextMenuEvent* event)
 {
-    if (watched != &m_view)
-        return QObject::eventFilter(watched, event);
-    switch (event->type()) {
-    case QEvent::ContextMenu:
-        askForMenu(*static_cast<QContextMenuEvent*>(event));
-        event->accept();
-        return true;
-    case QEvent::DragEnter:
-    case QEvent::DragMove: {
-        auto& drag = *static_cast<QDropEvent*>(event);
-        if (!m_paste->canTake(*drag.mimeData()))
-            return false;
-        drag.setDropAction(Qt::CopyAction);
-        drag.accept();
-        return true;
-    }
-    case QEvent::Drop:
-        drop(*static_cast<QDropEvent*>(event));
-        return true;
-    default:
-        return QObject::eventFilter(watched, event);
-    }
-}
-
-void TerminalInput::askForMenu(const QContextMenuEvent& event)
-{
-    if (event.reason() == QContextMenuEvent::Keyboard) {
+    event->accept();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
         const QRect cursor = cursorRectangle().intersected(m_view.rect());
         emit contextMenuRequested(m_view.mapToGlobal(cursor.bottomLeft()));
-    } else if (!TerminalMouse::isReported(m_view.session().terminal().modes(), event.modifiers())) {
-        emit contextMenuRequested(event.globalPos());
+    } else if (!TerminalMouse::isReported(m_view.session().terminal().modes(),
+                                          event->modifiers())) {
+        emit contextMenuRequested(event->globalPos());
     }
 }
 
-void TerminalInput::drop(QDropEvent& event)
+bool TerminalInput::dragged(QDropEvent* event)
 {
-    event.setDropAction(Qt::CopyAction);
-    event.accept();
+    if (!m_paste->canTake(*event->mimeData()))
+        return false;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    return true;
+}
+
+void TerminalInput::dropped(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
     m_view.setFocus(Qt::MouseFocusReason);
-    m_paste->take(*event.mimeData());
+    m_paste->take(*event->mimeData());
 }
 
 // --- clipboard
@@ -416,20 +397,17 @@ void TerminalInput::scrollPages(int pages)
     TerminalSession& session = m_view.session();
     const Kovalt::Terminal& terminal = session.terminal();
     session.scrollTo(terminal.buffer().yDisp + pages * terminal.rows());
-    m_view.contentsMoved();
 }
 
 void TerminalInput::scrollToTop()
 {
     m_view.session().scrollTo(0);
-    m_view.contentsMoved();
 }
 
 void TerminalInput::scrollToBottom()
 {
     TerminalSession& session = m_view.session();
     session.scrollTo(session.terminal().buffer().yBase);
-    m_view.contentsMoved();
 }
 
 void TerminalInput::jumpToPrompt(int direction)
@@ -442,7 +420,6 @@ void TerminalInput::jumpToPrompt(int direction)
         session.scrollTo(prompt->position.row);
     else if (direction > 0)
         session.scrollTo(buffer.yBase);
-    m_view.contentsMoved();
 }
 
 } // namespace Bralto

@@ -48,6 +48,10 @@ public:
     void wheelTurned(QWheelEvent* event);
     void pointerLeft();
     void focusChanged(QFocusEvent* event);
+    void askForMenu(QContextMenuEvent* event);
+    /// Whether what is dragged over the view can be dropped there.
+    [[nodiscard]] bool dragged(QDropEvent* event);
+    void dropped(QDropEvent* event);
 
     // Commands of menus and shortcuts.
 
@@ -71,7 +75,6 @@ signals:
     void fileActivated(const QString& path, int line, int column);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     [[nodiscard]] TerminalKeyPress read(const QKeyEvent& event) const;
@@ -82,8 +85,6 @@ private:
     void sendText(const QString& text);
     void typed();
     void keepSelection();
-    void askForMenu(const QContextMenuEvent& event);
-    void drop(QDropEvent& event);
     [[nodiscard]] QRect cursorRectangle() const;
 
     TerminalView& m_view;

@@ -1,23 +1,18 @@
 #include "Views/Terminal/TerminalLook.h"
 
 #include "Views/Kit/Ink.h"
+#include "Views/Kit/PaneColors.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 
 namespace Bralto {
 namespace {
 
 using Ink::faded;
-using Ink::hex;
-using Ink::mixed;
 using Ink::over;
 
-/// How far the bright colours are from the normal ones.
-constexpr double Brightness = 0.12;
 constexpr double SelectionAlpha = 0.35;
-/// What the second ink is of the text, on themes of their own.
-constexpr double SecondInkOnDark = 0.70;
-constexpr double SecondInkOnLight = 0.76;
 /// Letters under the cursor can be read from this contrast on.
 constexpr double Readable = 3;
 
@@ -32,13 +27,12 @@ QColor color(Kovalt::Color from)
     return QColor(from.red >> 8, from.green >> 8, from.blue >> 8);
 }
 
-Kovalt::BaseColors baseColors(const Tokens& tokens)
+Kovalt::BaseColors baseColors(const PaneColors& colors)
 {
     Kovalt::BaseColors result;
-    for (std::size_t i = 0; i < tokens.ansi.size(); ++i) {
-        result[i] = color(tokens.ansi[i]);
-        result[i + tokens.ansi.size()] =
-            color(mixed(tokens.ansi[i], tokens.dark ? Qt::white : Qt::black, Brightness));
+    for (std::size_t i = 0; i < colors.ansi.size(); ++i) {
+        result[i] = color(colors.ansi[i]);
+        result[i + colors.ansi.size()] = color(colors.bright[i]);
     }
     return result;
 }
@@ -52,27 +46,26 @@ QRgb readableOn(const QColor& cursor, const QColor& ground, const QColor& text)
 
 } // namespace
 
-TerminalLook TerminalLook::of(const PaneTheme& theme, const Tokens& tokens, const SpaceTheme& space)
+TerminalLook TerminalLook::of(const PaneTheme& theme, const Tokens& tokens)
 {
-    const bool isOwn = theme.background && theme.foreground && theme.accent;
-    const bool isDark = isOwn ? theme.colorScheme() != PaneTheme::Scheme::Light : tokens.dark;
-    // A theme of its own keeps the colours of its own scheme in every appearance.
-    const Tokens scheme = isDark == tokens.dark ? tokens : Tokens(TokenSource::from(space, isDark));
-    const QColor ground = isOwn ? hex(*theme.background) : tokens.terminal;
+    const PaneColors colors = paneColors(theme, tokens);
+    const Tokens scheme = paneTokens(theme, tokens);
+    // On a ground of its own a selection shows in the accent of that ground.
+    const QColor selection =
+        theme.accent ? faded(colors.accentInk, SelectionAlpha) : colors.selection;
 
     TerminalLook look;
-    look.text = isOwn ? hex(*theme.foreground) : tokens.label;
-    look.accent = isOwn ? hex(*theme.accent) : tokens.accentInk;
-    look.colors = {baseColors(scheme), color(look.text), color(ground), std::nullopt};
-    const QColor secondInk =
-        isOwn ? faded(look.text, isDark ? SecondInkOnDark : SecondInkOnLight) : tokens.ink2;
-    look.inks.selection = (isOwn ? faded(look.accent, SelectionAlpha) : tokens.selection).rgba();
+    look.text = colors.foreground;
+    look.accent = colors.accentInk;
+    look.colors = {baseColors(colors), color(colors.foreground), color(colors.background),
+                   std::nullopt};
+    look.inks.selection = selection.rgba();
     look.inks.hit = scheme.searchHit.rgba();
     look.inks.currentHit = scheme.currentHit.rgb();
     look.inks.onCurrentHit = scheme.onCurrentHit.rgb();
     look.inks.cursor = look.accent.rgb();
-    look.inks.onCursor = readableOn(look.accent, ground, look.text);
-    look.inks.outline = over(secondInk, ground).rgb();
+    look.inks.onCursor = readableOn(look.accent, colors.background, look.text);
+    look.inks.outline = over(colors.ink2, colors.background).rgb();
     return look;
 }
 

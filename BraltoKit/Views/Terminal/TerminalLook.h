@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Projects/SpaceTheme.h"
 #include "Terminals/PaneStyle.h"
 #include "Terminals/TerminalSession.h"
 #include "Views/Kit/Tokens.h"
@@ -17,9 +16,8 @@ struct TerminalLook {
     QColor text;
     QColor accent;
 
-    /// What the theme leaves open comes from the window's tokens, whose project looks like `space`.
-    [[nodiscard]] static TerminalLook of(const PaneTheme& theme, const Tokens& tokens,
-                                         const SpaceTheme& space);
+    /// What the theme leaves open comes from the window's tokens.
+    [[nodiscard]] static TerminalLook of(const PaneTheme& theme, const Tokens& tokens);
     /// The inks with a program's colour for the cursor.
     [[nodiscard]] TerminalInks inksFor(const Kovalt::ColorState& state, bool isReversed) const;
 };

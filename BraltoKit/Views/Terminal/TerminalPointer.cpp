@@ -286,7 +286,6 @@ void TerminalPointer::scrollRows(int rows)
         return;
     }
     session.scrollTo(session.terminal().buffer().yDisp + rows);
-    m_view.contentsMoved();
 }
 
 } // namespace Bralto

@@ -6,6 +6,8 @@
 #include "Views/Terminal/TerminalScrollBar.h"
 #include "Views/ViewServices.h"
 
+#include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QFocusEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -40,10 +42,6 @@ TerminalView::TerminalView(const ViewServices& services, TerminalSession& sessio
 {
     TerminalAccessible::install();
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setAttribute(Qt::WA_InputMethodEnabled);
-    setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(true);
-    setCursor(Qt::IBeamCursor);
     // Until there is room for another size, the terminal's own is shown.
     m_geometry.cols = session.terminal().cols();
     m_geometry.rows = session.terminal().rows();
@@ -111,7 +109,7 @@ void TerminalView::chooseFonts()
 
 void TerminalView::chooseColors()
 {
-    m_look = TerminalLook::of(PaneTheme::named(m_style.theme), tokens(), theme().space());
+    m_look = TerminalLook::of(PaneTheme::named(m_style.theme), tokens());
     m_scrollBar->setInk(m_look.text);
     // What a program has set of its colours stays as long as the look does.
     if (m_givenColors != m_look.colors) {
@@ -264,6 +262,15 @@ bool TerminalView::handOn(QEvent* event)
     case QEvent::Leave:
         m_input->pointerLeft();
         return false;
+    case QEvent::ContextMenu:
+        m_input->askForMenu(static_cast<QContextMenuEvent*>(event));
+        return true;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+        return m_input->dragged(static_cast<QDropEvent*>(event));
+    case QEvent::Drop:
+        m_input->dropped(static_cast<QDropEvent*>(event));
+        return true;
     default:
         return false;
     }

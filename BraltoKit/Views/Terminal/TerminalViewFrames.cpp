@@ -57,7 +57,7 @@ void TerminalView::contentsMoved()
 void TerminalView::takeFrame()
 {
     m_isStale = false;
-    Kovalt::Terminal& terminal = m_session.terminal();
+    const Kovalt::Terminal& terminal = m_session.terminal();
     m_session.selection().sync();
     if (m_session.search().count() > 0)
         m_session.search().sync();
@@ -74,7 +74,6 @@ void TerminalView::takeFrame()
     if (!m_preedit.isEmpty())
         source.preedit = PreeditLook{m_cursorCell.col, m_preedit, m_preeditCursor};
     showRows(m_rows.refresh(m_painter, source));
-    terminal.clearUpdateRange();
 
     const Kovalt::Buffer& buffer = terminal.buffer();
     m_scrollBar->setRange(std::max(0, buffer.yBase), terminal.rows(), buffer.yDisp);
