@@ -66,6 +66,7 @@ WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
     , m_calls(m_contents, m_key, this)
     , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
     , m_heartbeat(m_contents, engines.limits().patience, this)
+    , m_requests(m_contents, m_questions, delegate, this)
 {
     m_contents.scripts().insert(scriptFor(m_key));
     setDark(engines.isDark());
@@ -125,8 +126,9 @@ void WebPage::connectContents()
             [this](const QString& link) { m_delegate.pageHovered(QUrl(link)); });
     connect(&m_contents, &QWebEnginePage::fullScreenRequested, this,
             [this](QWebEngineFullScreenRequest request) {
+                m_isFullScreen = request.toggleOn();
                 request.accept();
-                m_delegate.pageWantsFullScreen(request.toggleOn());
+                m_delegate.pageWantsFullScreen(m_isFullScreen);
             });
     connect(&m_contents, &QWebEnginePage::iconChanged, this, &WebPage::showIcon);
     connect(&m_contents, &QWebEnginePage::renderProcessTerminated, this, &WebPage::endWithProcess);
@@ -140,6 +142,10 @@ void WebPage::connectView()
             [this](const PageContext& context, const QPoint& position) {
                 m_delegate.pageWantsMenu(context, position);
             });
+    connect(&m_place.view(), &WebView::escapePressed, this, [this] {
+        if (m_isFullScreen)
+            m_contents.triggerAction(QWebEnginePage::ExitFullScreen);
+    });
     connect(&m_place.view(), &WebView::pressed, &m_heartbeat, &WebHeartbeat::check);
 }
 

@@ -8,6 +8,7 @@
 #include "Web/WebPictures.h"
 #include "Web/WebPlace.h"
 #include "Web/WebQuestions.h"
+#include "Web/WebRequests.h"
 
 #include <QPointer>
 
@@ -79,9 +80,11 @@ private:
     WebCalls m_calls;
     WebPictures m_pictures;
     WebHeartbeat m_heartbeat;
+    WebRequests m_requests;
     QPointer<WebInspector> m_inspector;
     std::function<void(int, int)> m_found; ///< Of the search that is under way.
     double m_zoom = 1;
+    bool m_isFullScreen = false;
 };
 
 } // namespace Bralto
