@@ -41,13 +41,12 @@ public:
     /// more.
     void meet(const QUrl& url);
     void endWithProcess();
-    /// While the user is asked for a login, the server isn't waited for.
-    void setWaitingForUser(bool waiting);
 
     /// Whether a page with this address calls itself `title` only for want of a title.
     [[nodiscard]] static bool isAddress(const QString& title, const QUrl& url);
 
 signals:
+    void began(); ///< A load.
     void changed();
     /// The document that was there is gone, and its scripts with it.
     void replaced();

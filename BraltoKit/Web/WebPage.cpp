@@ -66,6 +66,7 @@ WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
     , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
     , m_heartbeat(m_contents, engines.limits().patience, this)
     , m_requests(m_contents, m_questions, delegate, this)
+    , m_logins(m_contents, m_questions, this)
 {
     engines.asking().add(m_keys.ask, m_questions);
     m_contents.scripts().insert(scriptFor(m_keys));
@@ -98,6 +99,8 @@ void WebPage::connectNavigation()
         m_heartbeat.setWanted(m_navigation.isLoading() || !m_calls.isIdle());
         m_delegate.pageChanged();
     });
+    connect(&m_navigation, &WebNavigation::began, &m_logins, &WebLogins::withdraw);
+    connect(&m_logins, &WebLogins::reloadRequested, &m_navigation, &WebNavigation::reload);
     connect(&m_navigation, &WebNavigation::replaced, this, &WebPage::forgetDocument);
     connect(&m_navigation, &WebNavigation::committed, this, [this] {
         const QPointer<WebPage> self(this);
@@ -175,7 +178,7 @@ void WebPage::forgetDocument()
     const QPointer<WebPage> self(this);
     m_calls.endAll({PageScriptError::Kind::Navigated});
     if (self)
-        m_questions.withdrawAll();
+        m_questions.withdrawDocuments();
     if (!self)
         return;
     m_heartbeat.restart();
@@ -215,7 +218,6 @@ void WebPage::followQuestions()
 {
     const PageQuestion* blocking = m_questions.blocking();
     m_heartbeat.setPaused(blocking != nullptr);
-    m_navigation.setWaitingForUser(m_questions.isWaitingForLogin());
     if (blocking)
         m_calls.endAll({PageScriptError::Kind::Asking, {}, blocking->text});
 }

@@ -10,6 +10,10 @@ namespace {
 
 using Kind = PageQuestion::Kind;
 
+/// Read when the first page is made: cameras that are none.
+const bool HasDevices =
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--use-fake-device-for-media-stream");
+
 constexpr auto Plain = "<!doctype html><title>Plain</title>Hello";
 
 class WebQuestionsTest : public WebTest {
@@ -270,6 +274,21 @@ TEST_F(WebQuestionsTest, AServerMayAskForAName)
     EXPECT_TRUE(titleBecomes(QStringLiteral("Inside")));
 }
 
+TEST_F(WebQuestionsTest, AWrongPasswordIsAskedForAgain)
+{
+    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "<!doctype html><title>Inside</title>");
+    whenAsked([this](const PageQuestion& question) {
+        const bool isSecond = notes.questions.size() == 2;
+        page->answer(question.id, {true, QStringLiteral("ada"),
+                                   isSecond ? QStringLiteral("secret") : QStringLiteral("wrong")});
+    });
+
+    page->load(site.url(QStringLiteral("/inside")));
+
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Inside")));
+    EXPECT_EQ(notes.questions.size(), 2U);
+}
+
 TEST_F(WebQuestionsTest, WhoeverGivesNoNameSeesTheServersRefusal)
 {
     site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "<!doctype html><title>Inside</title>");
@@ -300,8 +319,10 @@ TEST_F(WebQuestionsTest, UnsavedWorkIsAskedForBeforeItIsLost)
     page->widget()->setGeometry(0, 0, 600, 400);
     window.show();
     ASSERT_TRUE(show("<!doctype html><body style='height:100vh'><script>"
+                     "addEventListener('click', () => document.title = 'clicked');"
                      "addEventListener('beforeunload', e => { e.preventDefault(); e.returnValue = 'x' })</script>"));
     click(QPoint(100, 100));
+    ASSERT_TRUE(titleBecomes(QStringLiteral("clicked")));
 
     site.page(QStringLiteral("/next"), Plain);
     whenAsked([this](const PageQuestion& question) {
