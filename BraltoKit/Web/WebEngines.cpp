@@ -46,11 +46,12 @@ void WebEngines::clearBrowsingData(std::function<void()> done)
     done();
 }
 
-void WebEngines::retire(WebContents& contents, QWidget& widget)
+void WebEngines::retire(WebContents& contents, QWidget* widget)
 {
     std::erase_if(m_retired, [](const QPointer<QObject>& each) { return each.isNull(); });
     m_retired.emplace_back(&contents);
-    m_retired.emplace_back(&widget);
+    if (widget)
+        m_retired.emplace_back(widget);
     contents.retire();
 }
 

@@ -40,7 +40,7 @@ public:
     [[nodiscard]] const WebLimits& limits() const { return m_limits; }
     [[nodiscard]] bool isDark() const { return m_settings.isDark; }
     /// Lets go of a page whose engine is gone, as soon as nothing of it is on the stack.
-    void retire(WebContents& contents, QWidget& widget);
+    void retire(WebContents& contents, QWidget* widget);
 
 private:
     const PageProfile m_settings;

@@ -85,10 +85,7 @@ WebPage::~WebPage()
     m_calls.endAll({PageScriptError::Kind::Ended});
     m_questions.withdrawAll();
     m_contents.disconnect(this);
-    if (QWidget* widget = m_place.widget())
-        m_engines.retire(m_contents, *widget);
-    else
-        m_contents.retire();
+    m_engines.retire(m_contents, m_place.widget());
 }
 
 // --- the parts

@@ -24,7 +24,7 @@
 namespace Bralto {
 
 /// Runs the event loop until `holds` is true; false if it never was.
-inline bool spinUntil(const std::function<bool()>& holds, int seconds = 30)
+inline bool spinUntil(const std::function<bool()>& holds, int seconds = 10)
 {
     QEventLoop loop;
     QTimer ticks;

@@ -318,7 +318,7 @@ TEST_F(WebQuestionsTest, UnsavedWorkIsAskedForBeforeItIsLost)
     page->widget()->setParent(&window);
     page->widget()->setGeometry(0, 0, 600, 400);
     window.show();
-    ASSERT_TRUE(show("<!doctype html><body style='height:100vh'><script>"
+    ASSERT_TRUE(show("<!doctype html><body style='height:100vh'>Words<script>"
                      "addEventListener('click', () => document.title = 'clicked');"
                      "addEventListener('beforeunload', e => { e.preventDefault(); e.returnValue = 'x' })</script>"));
     click(QPoint(100, 100));
