@@ -72,10 +72,10 @@ private:
     QUrl m_url;    ///< Of the document that is there.
     QString m_title;
     bool m_isLoading = false;
-    bool m_isCommitted = false; ///< What is loading has taken its place.
-    bool m_hasEnded = false;    ///< There is no process.
-    bool m_awaitsWord = false;  ///< The document is there, and has not said so.
-    bool m_isErrorThere = false; ///< The engine's document for what failed.
+    bool m_isCommitted = false;           ///< What is loading has taken its place.
+    bool m_hasEnded = false;              ///< There is no process.
+    bool m_awaitsWord = false;            ///< The document is there, and has not said so.
+    bool m_isErrorThere = false;          ///< The engine's document for what failed.
     std::optional<PageLoadError> m_error; ///< Told once that document is there.
     QTimer m_errorTimer;                  ///< Or once it should have been.
     double m_progress = 0;
