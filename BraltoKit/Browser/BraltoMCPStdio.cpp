@@ -47,12 +47,12 @@ std::optional<QString> socketPath(const Surroundings& surroundings,
     const auto project =
         PaneEnvironment::value(surroundings.environment, QLatin1String(PaneEnvironment::Project));
     if (project && !project->isEmpty()) {
-        if (const auto path = found(*project))
+        if (auto path = found(*project))
             return path;
     }
     for (QString folder = Paths::standardised(surroundings.cwd); !folder.isEmpty();
          folder = Paths::parent(folder)) {
-        if (const auto path = found(folder))
+        if (auto path = found(folder))
             return path;
         if (folder == u'/')
             break;

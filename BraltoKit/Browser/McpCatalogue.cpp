@@ -23,8 +23,8 @@ enum class Effect { Acts, Reads };
 
 struct Parameter {
     std::string_view name;
+    std::string_view description; ///< Empty if the name says it all.
     Type type;
-    std::string_view description = {}; ///< Empty if the name says it all.
     Presence presence = Presence::Optional;
 };
 
@@ -39,86 +39,86 @@ struct Tool {
 constexpr std::string_view Levels[] = {"log", "info", "warn", "error", "debug"};
 
 constexpr Parameter OpenParameters[] = {
-    {"url", Type::String, "URL, host:port, or file path", Presence::Required},
-    {"newTab", Type::Boolean, "false loads it in the target tab instead (default true)"},
-    {"tab", Type::String, "Tab id for newTab: false"},
-    {"timeout", Type::Number, "Seconds to wait for the load (default 15, max 30)"},
+    {"url", "URL, host:port, or file path", Type::String, Presence::Required},
+    {"newTab", "false loads it in the target tab instead (default true)", Type::Boolean},
+    {"tab", "Tab id for newTab: false", Type::String},
+    {"timeout", "Seconds to wait for the load (default 15, max 30)", Type::Number},
 };
 
 constexpr Parameter NavigateParameters[] = {
-    {"tab", Type::String, "Tab id (default: the page on screen)"},
-    {"url", Type::String},
-    {"back", Type::Boolean},
-    {"forward", Type::Boolean},
-    {"reload", Type::Boolean},
-    {"timeout", Type::Number, "Seconds to wait (default 15, max 30)"},
+    {"tab", "Tab id (default: the page on screen)", Type::String},
+    {"url", "", Type::String},
+    {"back", "", Type::Boolean},
+    {"forward", "", Type::Boolean},
+    {"reload", "", Type::Boolean},
+    {"timeout", "Seconds to wait (default 15, max 30)", Type::Number},
 };
 
 constexpr Parameter SnapshotParameters[] = {
-    {"tab", Type::String},
-    {"ref", Type::String, "Only this element's subtree"},
-    {"selector", Type::String, "Only the first element matching this CSS selector"},
-    {"maxChars", Type::Number, "Size budget (default 16000)"},
+    {"tab", "", Type::String},
+    {"ref", "Only this element's subtree", Type::String},
+    {"selector", "Only the first element matching this CSS selector", Type::String},
+    {"maxChars", "Size budget (default 16000)", Type::Number},
 };
 
 constexpr Parameter ClickParameters[] = {
-    {"tab", Type::String},
-    {"ref", Type::String, "Ref from snapshot, e.g. e12"},
-    {"selector", Type::String, "CSS selector, if there's no ref"},
-    {"double", Type::Boolean, "Double-click"},
+    {"tab", "", Type::String},
+    {"ref", "Ref from snapshot, e.g. e12", Type::String},
+    {"selector", "CSS selector, if there's no ref", Type::String},
+    {"double", "Double-click", Type::Boolean},
 };
 
 constexpr Parameter TypeParameters[] = {
-    {"tab", Type::String},
-    {"ref", Type::String},
-    {"selector", Type::String},
-    {"text", Type::String, "", Presence::Required},
-    {"submit", Type::Boolean, "Press Enter / submit the form afterwards"},
-    {"clear", Type::Boolean, "Replace the current value (default true)"},
+    {"tab", "", Type::String},
+    {"ref", "", Type::String},
+    {"selector", "", Type::String},
+    {"text", "", Type::String, Presence::Required},
+    {"submit", "Press Enter / submit the form afterwards", Type::Boolean},
+    {"clear", "Replace the current value (default true)", Type::Boolean},
 };
 
 constexpr Parameter PressParameters[] = {
-    {"tab", Type::String},
-    {"ref", Type::String},
-    {"selector", Type::String},
-    {"key", Type::String, "", Presence::Required},
+    {"tab", "", Type::String},
+    {"ref", "", Type::String},
+    {"selector", "", Type::String},
+    {"key", "", Type::String, Presence::Required},
 };
 
 constexpr Parameter ScrollParameters[] = {
-    {"tab", Type::String},
-    {"ref", Type::String},
-    {"selector", Type::String},
-    {"dx", Type::Number},
-    {"dy", Type::Number, "Positive scrolls down"},
+    {"tab", "", Type::String},
+    {"ref", "", Type::String},
+    {"selector", "", Type::String},
+    {"dx", "", Type::Number},
+    {"dy", "Positive scrolls down", Type::Number},
 };
 
 constexpr Parameter ScreenshotParameters[] = {
-    {"tab", Type::String},
-    {"fullPage", Type::Boolean, "The whole scrollable page (default false)"},
+    {"tab", "", Type::String},
+    {"fullPage", "The whole scrollable page (default false)", Type::Boolean},
 };
 
 constexpr Parameter EvaluateParameters[] = {
-    {"tab", Type::String},
-    {"expression", Type::String, "", Presence::Required},
+    {"tab", "", Type::String},
+    {"expression", "", Type::String, Presence::Required},
 };
 
 constexpr Parameter WaitParameters[] = {
-    {"tab", Type::String},
-    {"text", Type::String},
-    {"selector", Type::String},
-    {"gone", Type::Boolean},
-    {"timeout", Type::Number, "Seconds (default 10, max 30)"},
+    {"tab", "", Type::String},
+    {"text", "", Type::String},
+    {"selector", "", Type::String},
+    {"gone", "", Type::Boolean},
+    {"timeout", "Seconds (default 10, max 30)", Type::Number},
 };
 
 constexpr Parameter ConsoleParameters[] = {
-    {"tab", Type::String},
-    {"level", Type::Level},
-    {"limit", Type::Number, "Most recent N (default 50)"},
-    {"clear", Type::Boolean, "Empty the log after reading"},
+    {"tab", "", Type::String},
+    {"level", "", Type::Level},
+    {"limit", "Most recent N (default 50)", Type::Number},
+    {"clear", "Empty the log after reading", Type::Boolean},
 };
 
 constexpr Parameter CloseParameters[] = {
-    {"tab", Type::String},
+    {"tab", "", Type::String},
 };
 
 constexpr Tool Tools[] = {
