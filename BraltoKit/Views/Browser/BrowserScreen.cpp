@@ -54,6 +54,7 @@ BrowserScreen::BrowserScreen(const ViewServices& services, const WorkspaceTab& t
     connect(m_question, &PageQuestionCard::questionShown, this, &BrowserScreen::showQuestion);
     connect(m_question, &PageQuestionCard::answered, this,
             [this] { setFocus(Qt::OtherFocusReason); });
+    m_link->setText(page.hoveredLink().toDisplayString());
     addShortcuts();
     adoptPage();
 }
