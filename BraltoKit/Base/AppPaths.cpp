@@ -41,6 +41,16 @@ QString AppPaths::zsh() const
     return support() + QStringLiteral("/zsh");
 }
 
+QString AppPaths::control() const
+{
+    return support() + QStringLiteral("/control");
+}
+
+QString AppPaths::mcpConfig() const
+{
+    return support() + QStringLiteral("/mcp.json");
+}
+
 QString AppPaths::applications() const
 {
     return m_home + QStringLiteral("/Applications/Bralto");

@@ -19,7 +19,10 @@ public:
     [[nodiscard]] QString preferences() const; ///< Preferences in the support folder
     [[nodiscard]] QString terminals() const;   ///< Terminals in the support folder
     [[nodiscard]] QString bin() const;         ///< bin in the support folder: what panes find first
-    [[nodiscard]] QString zsh() const; ///< zsh in the support folder: start-up files of panes
+    [[nodiscard]] QString zsh() const;     ///< zsh in the support folder: start-up files of panes
+    [[nodiscard]] QString control() const; ///< control in the support folder: the sockets
+    /// mcp.json in the support folder: how the agent starts the program's own server.
+    [[nodiscard]] QString mcpConfig() const;
     [[nodiscard]] QString
     applications() const; ///< Applications/Bralto, the bundles of the projects
     [[nodiscard]] QString

@@ -12,11 +12,16 @@ constexpr qsizetype DigestBytes = 6;
 
 }
 
+QString digest(const QString& folder)
+{
+    const QByteArray hash =
+        QCryptographicHash::hash(Paths::standardised(folder).toUtf8(), QCryptographicHash::Sha256);
+    return QString::fromLatin1(hash.first(DigestBytes).toHex());
+}
+
 QString bundleIdentifier(const QString& folder)
 {
-    const QByteArray digest =
-        QCryptographicHash::hash(Paths::standardised(folder).toUtf8(), QCryptographicHash::Sha256);
-    return QLatin1String(SpacePrefix) + QString::fromLatin1(digest.first(DigestBytes).toHex());
+    return QLatin1String(SpacePrefix) + digest(folder);
 }
 
 } // namespace Bralto::SpaceIdentity
