@@ -5,11 +5,13 @@
 #include "App/CommandMenu.h"
 #include "App/ProjectProcess.h"
 #include "App/QuitSignals.h"
+#include "App/WebLibrary.h"
 #include "Base/Motion.h"
 #include "Chat/ChatFileIndex.h"
 #include "Platform/ApplicationService.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
+#include "Platform/ProcLocalServers.h"
 #include "Platform/ProcProcessInspector.h"
 #include "Platform/ProcessDefaults.h"
 #include "Platform/ProgramChatHost.h"
@@ -61,6 +63,8 @@ private:
     [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat, Theme& look);
     [[nodiscard]] QWidget* makeTerminalView(ConsolePane& pane, TerminalSession& session);
     [[nodiscard]] Workspace::Services workspaceServices();
+    [[nodiscard]] BrowserServices browserServices();
+    void clearBrowsingData();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
     void buildWindow();
     void followSystem();
@@ -95,9 +99,11 @@ private:
     ProcProcessInspector m_processes;
     XkbKeyboardLayout m_keyboard;
     ProgramTerminalHost m_terminalHost;
+    ProcLocalServers m_servers;
+    WebLibrary m_web;
     Motion m_motion;
-    Workspace m_workspace;
     Zoom m_zoom;
+    Workspace m_workspace;
     BraltoCommands m_commands;
     AppDelegate m_delegate;
     QuitSignals m_signals;
