@@ -85,6 +85,12 @@ Program::Program(QApplication& application, const LaunchRole& role)
     , m_motion(m_scheduler)
     , m_zoom(m_defaults.shared)
     , m_workspace(workspaceServices(), Workspace::RestoreSession::Yes)
+    , m_browsers(m_workspace)
+    , m_browserTools(m_browsers, m_scheduler, m_clock)
+    , m_browserControl(m_paths, role,
+                       [this](const QByteArray& request, std::function<void(QByteArray)> answer) {
+                           m_browserTools.respond(request, std::move(answer));
+                       })
     , m_commands(
           {m_workspace, m_zoom, [this] { return focusedZoomArea(); },
            role.isFolderApp() ? std::function<void()>([this] { m_spaceApps.openHome(); }) : nullptr,
@@ -326,6 +332,7 @@ int Program::run(const QStringList& urls)
 {
     m_delegate.willFinishLaunching();
     m_delegate.didFinishLaunching();
+    m_browserControl.start();
     if (!urls.isEmpty())
         m_delegate.open(urls);
     // Whoever left with the console open finds the keyboard there again.
@@ -340,6 +347,7 @@ void Program::terminate()
     if (m_isTerminating || !m_delegate.shouldTerminate())
         return;
     m_isTerminating = true;
+    m_browserControl.stop();
     m_delegate.willTerminate();
     QApplication::exit(0);
 }

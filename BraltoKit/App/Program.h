@@ -7,6 +7,8 @@
 #include "App/QuitSignals.h"
 #include "App/WebLibrary.h"
 #include "Base/Motion.h"
+#include "Browser/BrowserControl.h"
+#include "Browser/BrowserController.h"
 #include "Chat/ChatFileIndex.h"
 #include "Platform/ApplicationService.h"
 #include "Platform/ChildProcess.h"
@@ -28,6 +30,7 @@
 #include "Views/Window/RootView.h"
 #include "Views/Window/WindowChrome.h"
 #include "Views/Window/WindowFocus.h"
+#include "Workspace/WorkspaceBrowsers.h"
 
 #include <QApplication>
 #include <QObject>
@@ -104,6 +107,9 @@ private:
     Motion m_motion;
     Zoom m_zoom;
     Workspace m_workspace;
+    WorkspaceBrowsers m_browsers;
+    BrowserController m_browserTools;
+    BrowserControl m_browserControl;
     BraltoCommands m_commands;
     AppDelegate m_delegate;
     QuitSignals m_signals;
