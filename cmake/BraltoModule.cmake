@@ -108,6 +108,7 @@ endfunction()
 
 # A test program: Tests/<folder>/<name>.cpp against the modules that it names.
 #   MAIN widgets|core  a QApplication (offscreen) or a QCoreApplication is there; else plain GoogleTest
+#        web           a QApplication that shows pages
 #   NEEDS              programs that the test starts, built before it
 #   LABELS             for example: slow
 function(bralto_test path)
@@ -136,10 +137,17 @@ function(bralto_test path)
     if(test_NEEDS)
         add_dependencies(${name} ${test_NEEDS})
     endif()
+    set(address "")
+    set(leaks leaks.supp)
+    if(test_MAIN STREQUAL "web")
+        set(leaks leaks-web.supp)
+        # The engine's library gives back under another type what it took.
+        set(address ";ASAN_OPTIONS=new_delete_type_mismatch=0")
+    endif()
     # One process a program: starting a sanitized Qt process for each case would cost minutes.
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 --gtest_output=xml:${CMAKE_BINARY_DIR}/results/${name}.xml)
     set_tests_properties(${name} PROPERTIES LABELS "${test_LABELS}" TIMEOUT 300 ENVIRONMENT
-        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/Support/leaks.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/Support/${leaks}:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1${address}")
 endfunction()
 
 # A fuzz target: Tests/Fuzz/<name>.cpp with libFuzzer; only under the preset `fuzz`.

@@ -203,6 +203,21 @@ Menu BraltoCommands::goMenu() const
     items.push_back(item(Command::PreviousEditorTab, Enabled::Yes,
                          [&workspace] { workspace.selectAdjacentTab(-1); }));
     items.push_back(separator());
+    if (workspace.canShowPages()) {
+        BrowserTab* page = workspace.visibleBrowser();
+        items.push_back(item(Command::OpenLocation, when(page != nullptr), [page] {
+            if (page)
+                page->requestAddressFocus();
+        }));
+        items.push_back(item(Command::ReloadPage, when(page != nullptr), [page] {
+            if (page)
+                page->isLoading() ? page->stopLoading() : page->reload();
+        }));
+        if (m_services.clearBrowsingData)
+            items.push_back(
+                item(Command::ClearBrowsingData, Enabled::Yes, m_services.clearBrowsingData));
+        items.push_back(separator());
+    }
     items.push_back(item(Command::RevealInFinder, when(document != nullptr), [this, document] {
         if (document)
             m_services.reveal(document->path());

@@ -43,6 +43,8 @@ public:
         std::function<void()> openHome;
         std::function<void(const QString& path)> reveal;
         std::function<void()> quit;
+        /// Asks, then forgets what pages kept on this computer; empty where there are no pages.
+        std::function<void()> clearBrowsingData = {};
     };
 
     explicit BraltoCommands(Services services);

@@ -55,6 +55,7 @@ constexpr std::array Table{
     Entry{PreviousEditorTab,  "Previous Editor Tab",       nullptr,                 "Ctrl+Shift+[",     "Ctrl+Alt+Shift+["},
     Entry{OpenLocation,       "Open Location…",            nullptr,                 "Ctrl+L",           "Ctrl+Shift+L"},
     Entry{ReloadPage,         "Reload Page",               nullptr,                 "Ctrl+R",           "Ctrl+Shift+R"},
+    Entry{ClearBrowsingData,  "Clear Browsing Data…",      nullptr,                 "",                 ""},
     Entry{RevealInFinder,     "Reveal in Finder",          nullptr,                 "Ctrl+Alt+R",       "Ctrl+Alt+R"},
 
     Entry{Quit,               "Quit Bralto",               nullptr,                 "Ctrl+Q",           "Ctrl+Shift+Q"},

@@ -50,6 +50,7 @@ enum class Command {
     PreviousEditorTab,
     OpenLocation,
     ReloadPage,
+    ClearBrowsingData,
     RevealInFinder,
 
     Quit,

@@ -142,8 +142,11 @@ PageEngine* BrowserTab::page()
     if (m_page || m_isClosed || !m_services.pages)
         return m_page.get();
     m_page = m_services.pages->make(*this);
-    if (!m_page)
+    if (!m_page) {
+        setStatus(QStringLiteral("Pages can’t be shown: the page engine could not be loaded."),
+                  false, false);
         return nullptr;
+    }
     applyZoom();
     emit pageMade();
     if (!m_url.isEmpty())

@@ -6,6 +6,7 @@
 #include "Base/KeyboardLayout.h"
 #include "Base/Motion.h"
 #include "Base/Zoom.h"
+#include "Browser/LocalServers.h"
 #include "Terminals/PaneMenu.h"
 #include "Views/Kit/Theme.h"
 #include "Views/Window/WindowLayout.h"
@@ -34,6 +35,8 @@ struct ViewServices {
     std::function<QWidget*(ConsolePane&, Theme&)> makePane;
     /// Null if nothing is known of the keyboard: then terminals tell no alternate keys.
     const KeyboardLayout* keyboard = nullptr;
+    /// Null: a blank tab lists no servers.
+    LocalServers* servers = nullptr;
     /// What the menu of a pane does with what `makePane` made; nothing without it.
     std::function<PaneMenu::Hooks(QWidget&)> paneHooks = {};
 };

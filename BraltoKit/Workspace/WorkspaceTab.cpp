@@ -29,8 +29,13 @@ EditorDocument* WorkspaceTab::document() const
 
 BrowserTab* WorkspaceTab::browser() const
 {
+    return sharedBrowser().get();
+}
+
+std::shared_ptr<BrowserTab> WorkspaceTab::sharedBrowser() const
+{
     const auto* content = std::get_if<std::shared_ptr<BrowserTab>>(&m_content);
-    return content ? content->get() : nullptr;
+    return content ? *content : nullptr;
 }
 
 QString WorkspaceTab::title() const

@@ -18,8 +18,9 @@ public:
     explicit WorkspaceTab(std::shared_ptr<BrowserTab> browser);
 
     [[nodiscard]] const QString& id() const;
-    [[nodiscard]] EditorDocument* document() const; ///< Null for a page.
-    [[nodiscard]] BrowserTab* browser() const;      ///< Null for a document.
+    [[nodiscard]] EditorDocument* document() const;                  ///< Null for a page.
+    [[nodiscard]] BrowserTab* browser() const;                       ///< Null for a document.
+    [[nodiscard]] std::shared_ptr<BrowserTab> sharedBrowser() const; ///< The same, held.
     /// What shows on the tab: the file's name; the page's title, before it
     /// has one its host.
     [[nodiscard]] QString title() const;

@@ -12,9 +12,9 @@ struct BraltoCommandsTest : testing::Test {
     void openProject(Pages pages = Pages::Unavailable)
     {
         workspace = harness.openProject(pages);
-        commands.emplace(
-            BraltoCommands::Services{*workspace, zoom, [] { return Zoom::Area::Editor; },
-                                     [this] { ++homesOpened; }, [](const QString&) {}, [] {}});
+        commands.emplace(BraltoCommands::Services{
+            *workspace, zoom, [] { return Zoom::Area::Editor; }, [this] { ++homesOpened; },
+            [](const QString&) {}, [] {}, [this] { ++clearings; }});
     }
 
     void openHome()
@@ -52,6 +52,7 @@ struct BraltoCommandsTest : testing::Test {
     std::unique_ptr<Workspace> workspace;
     std::optional<BraltoCommands> commands;
     int homesOpened = 0;
+    int clearings = 0;
 };
 
 } // namespace
@@ -83,10 +84,39 @@ TEST_F(BraltoCommandsTest, WhatIsNotThereIsAbsent)
 {
     openProject();
 
-    for (const Command command :
-         {Command::CheckForUpdates, Command::NotificationHooks, Command::NewBrowserTab,
-          Command::EditSpace, Command::OpenLocation, Command::ReloadPage})
+    for (const Command command : {Command::CheckForUpdates, Command::NotificationHooks,
+                                  Command::NewBrowserTab, Command::EditSpace, Command::OpenLocation,
+                                  Command::ReloadPage, Command::ClearBrowsingData})
         EXPECT_FALSE(find(command)) << Shortcuts::title(command).toStdString();
+}
+
+TEST_F(BraltoCommandsTest, ThePageInSightIsLedToAnAddressAndReloadedOrStopped)
+{
+    openProject(Pages::Available);
+    EXPECT_FALSE(find(Command::OpenLocation)->isEnabled);
+    EXPECT_FALSE(find(Command::ReloadPage)->isEnabled);
+
+    run(Command::NewBrowserTab);
+    BrowserTab* tab = workspace->visibleBrowser();
+    ASSERT_NE(tab, nullptr);
+    const int requests = tab->addressFocusRequest();
+    run(Command::OpenLocation);
+    EXPECT_EQ(tab->addressFocusRequest(), requests + 1);
+
+    tab->load(QUrl("http://one.test/"));
+    FakePage& page = *harness.browser.alive.back();
+    run(Command::ReloadPage);
+    EXPECT_EQ(page.told, QStringList{"stop"});
+    page.finish();
+    run(Command::ReloadPage);
+    EXPECT_EQ(page.told, (QStringList{"stop", "reload"}));
+}
+
+TEST_F(BraltoCommandsTest, WhatPagesKeptCanBeForgotten)
+{
+    openProject(Pages::Available);
+    run(Command::ClearBrowsingData);
+    EXPECT_EQ(clearings, 1);
 }
 
 TEST_F(BraltoCommandsTest, PanesAreOpenedSwappedAndStyledFromTheMenu)

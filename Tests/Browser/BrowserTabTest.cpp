@@ -121,6 +121,19 @@ TEST_F(BrowserTabTest, WithoutPagesATabIsItsAddress)
     EXPECT_EQ(tab.url(), QUrl("http://two.test/"));
 }
 
+TEST_F(BrowserTabTest, WithoutAnEngineATabSaysSoAndTriesAgainOnRequest)
+{
+    pages.isMissing = true;
+    const auto tab = open("http://one.test/");
+    EXPECT_TRUE(tab->errorMessage());
+    EXPECT_EQ(tab->url(), QUrl("http://one.test/"));
+
+    pages.isMissing = false;
+    tab->reload();
+    EXPECT_EQ(tab->errorMessage(), std::nullopt);
+    EXPECT_EQ(pages.alive.size(), 1);
+}
+
 TEST_F(BrowserTabTest, ATitleThatTurnsEmptyKeepsTheLast)
 {
     const auto tab = open("http://one.test/");

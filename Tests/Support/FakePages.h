@@ -130,7 +130,12 @@ class FakePages final : public PageEngines {
 public:
     [[nodiscard]] std::unique_ptr<PageEngine> make(PageDelegate& delegate) override
     {
-        return std::make_unique<FakePage>(delegate, alive);
+        if (isMissing)
+            return nullptr;
+        auto page = std::make_unique<FakePage>(delegate, alive);
+        if (dress)
+            dress(*page);
+        return page;
     }
     void clearBrowsingData(std::function<void()> done) override
     {
@@ -138,7 +143,9 @@ public:
         done();
     }
 
-    std::vector<FakePage*> alive; ///< In the order in which they were made.
+    std::vector<FakePage*> alive;         ///< In the order in which they were made.
+    std::function<void(FakePage&)> dress; ///< What a page is given before anybody has it.
+    bool isMissing = false;               ///< The engine can't be loaded.
     int clearings = 0;
 };
 

@@ -3,7 +3,6 @@
 #include "Views/Editor/CodeText.h"
 #include "Views/Editor/EditorScreen.h"
 #include "Views/Editor/EditorTab.h"
-#include "Views/Editor/PageScreen.h"
 #include "Views/Editor/ProseText.h"
 #include "Views/Editor/TabBar.h"
 #include "Views/Kit/IconButton.h"
@@ -298,20 +297,6 @@ TEST_F(EditorPanesTest, AFileThatCanNotBeReadOffersItsOwnApplication)
     QTest::mouseClick(button, Qt::LeftButton);
 
     EXPECT_EQ(views.desk.desktop.opened, QList{QUrl::fromLocalFile(views.desk.path("a.bin"))});
-}
-
-TEST_F(EditorPanesTest, APageTabSaysWhereItLeads)
-{
-    show(Pages::Available);
-    workspace().insertPage(QUrl("http://localhost:8080/stations"));
-    ViewHarness::settle();
-
-    QWidget* page = panes->screenOf(workspace().activeTabId());
-    auto* button = page->findChild<TextButton*>();
-    ASSERT_NE(button, nullptr);
-    QTest::mouseClick(button, Qt::LeftButton);
-
-    EXPECT_EQ(views.desk.desktop.opened, QList{QUrl("http://localhost:8080/stations")});
 }
 
 TEST_F(EditorPanesTest, CodeIsSelectedAndCopiedByKeys)

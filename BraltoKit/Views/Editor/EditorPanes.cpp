@@ -1,8 +1,8 @@
 #include "Views/Editor/EditorPanes.h"
 
+#include "Views/Browser/BrowserScreen.h"
 #include "Views/Editor/EditorScreen.h"
 #include "Views/Editor/FolderOverview.h"
-#include "Views/Editor/PageScreen.h"
 #include "Views/Editor/TabBar.h"
 #include "Views/Window/Seam.h"
 #include "Views/Window/Sheet.h"
@@ -55,7 +55,7 @@ QWidget* EditorPanes::makeScreen(const WorkspaceTab& tab)
     if (tab.document())
         screen = new EditorScreen(m_services, tab, m_firstContent);
     else
-        screen = new PageScreen(m_services, tab, m_firstContent);
+        screen = new BrowserScreen(m_services, tab, m_firstContent);
     WindowFocus::markTab(*screen, tab.id());
     return screen;
 }

@@ -20,6 +20,7 @@ namespace {
 constexpr int Left = 9;
 constexpr int Right = 5;
 constexpr int Gap = 7;
+constexpr int ActingLine = 2; ///< Below a page that a tool acts on.
 
 } // namespace
 
@@ -52,7 +53,17 @@ void EditorTab::followContent()
     } else if (const BrowserTab* page = m_tab.browser()) {
         connect(page, &BrowserTab::titleChanged, this, change);
         connect(page, &BrowserTab::urlChanged, this, change);
+        connect(page, &BrowserTab::iconChanged, this, &EditorTab::followIcon);
+        connect(page, &BrowserTab::actingToolChanged, this, qOverload<>(&QWidget::update));
+        followIcon();
     }
+}
+
+void EditorTab::followIcon()
+{
+    m_icon = QPixmap();
+    m_icon.loadFromData(m_tab.browser()->icon(), "PNG");
+    update();
 }
 
 bool EditorTab::isActive() const
@@ -200,13 +211,21 @@ void EditorTab::paintEvent(QPaintEvent* /*event*/)
 
     const QColor ink = isActive() ? tokens().label : tokens().ink2;
     const double middle = height() / 2.0;
-    Icon::draw(painter,
-               QRectF(Left, middle - Measure::TabIcon / 2.0, Measure::TabIcon, Measure::TabIcon),
-               symbol(), ink);
+    const QRectF place(Left, middle - Measure::TabIcon / 2.0, Measure::TabIcon, Measure::TabIcon);
+    const bool isSplit = m_services.workspace.splitTabId() == m_tab.id();
+    if (m_icon.isNull() || isSplit) {
+        Icon::draw(painter, place, symbol(), ink);
+    } else {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawPixmap(place, m_icon, QRectF(m_icon.rect()));
+    }
     const double x = Left + Measure::TabIcon + Gap;
     const double right = width() - Right - Measure::TabClose - 2;
     TextLine::draw(painter, QRectF(x, 0, right - x, height()), TextRole::Tab, ink, text(),
                    Qt::ElideMiddle);
+    if (const BrowserTab* page = m_tab.browser(); page && !page->actingTool().isEmpty())
+        Shape::fill(painter, QRectF(Left, height() - ActingLine, width() - 2.0 * Left, ActingLine),
+                    ActingLine / 2.0, tokens().accentInk);
     if (m_close->isHidden())
         Shape::disc(painter, QPointF(width() - Right - Measure::TabClose / 2.0, middle),
                     Measure::UnsavedDot, tokens().label);

@@ -4,6 +4,7 @@
 #include "Views/ViewServices.h"
 
 #include <QMenu>
+#include <QPixmap>
 
 namespace Bralto {
 
@@ -40,6 +41,7 @@ protected:
 
 private:
     void followContent();
+    void followIcon();
     void activate();
     void close();
     void showClose();
@@ -48,6 +50,7 @@ private:
     ViewServices m_services;
     WorkspaceTab m_tab;
     IconButton* m_close;
+    QPixmap m_icon; ///< The page's own; null if it has none.
 };
 
 } // namespace Bralto

@@ -7,7 +7,7 @@
 namespace Bralto {
 
 /// A line of text to write in, with a symbol before it and a hint of keys behind it if wanted.
-class Field final : public QLineEdit {
+class Field : public QLineEdit {
     Q_OBJECT
 
 public:
@@ -20,6 +20,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
+    [[nodiscard]] Theme& theme() const { return m_theme; }
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Browser/PageEngine.h"
+
+#include <QUrl>
+
+/// What went wrong with a load, in the user's words.
+namespace Bralto::LoadErrors {
+
+/// For the engine's number (negative) of a failed load of `url`.
+[[nodiscard]] PageLoadError forNetwork(int code, const QUrl& url);
+
+/// For an answer with this status and nothing to show.
+[[nodiscard]] PageLoadError forStatus(int status, const QUrl& url);
+
+/// The server at `url` took longer than a load may.
+[[nodiscard]] PageLoadError timedOut(const QUrl& url);
+
+/// Whether the number is one of a certificate that is not to be trusted.
+[[nodiscard]] bool isCertificate(int code);
+
+} // namespace Bralto::LoadErrors

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Browser/PageEngine.h"
+#include "Browser/PageProfile.h"
+#include "Web/WebCertificates.h"
+#include "Web/WebPictures.h"
+
+#include <QPointer>
+#include <QWebEngineProfile>
+
+#include <memory>
+#include <vector>
+
+namespace Bralto {
+
+class WebContents;
+
+/// How long things may take; shorter in a test.
+struct WebLimits {
+    std::chrono::milliseconds answer = std::chrono::seconds(60); ///< Of a server to a load.
+    std::chrono::milliseconds patience =
+        std::chrono::seconds(5); ///< With a page that stands still.
+};
+
+/// The pages of one project, made by the toolkit's engine.
+class WebEngines final : public PageEngines {
+public:
+    explicit WebEngines(PageProfile profile, WebLimits limits = {});
+    ~WebEngines() override;
+
+    [[nodiscard]] std::unique_ptr<PageEngine> make(PageDelegate& delegate) override;
+    void clearBrowsingData(std::function<void()> done) override;
+
+    // For the pages
+    [[nodiscard]] QWebEngineProfile& profile(); ///< Made, with all of the engine, at the first use.
+    [[nodiscard]] WebCertificates& certificates() { return m_certificates; }
+    [[nodiscard]] WebTurns& turns() { return m_turns; }
+    [[nodiscard]] const WebLimits& limits() const { return m_limits; }
+    [[nodiscard]] bool isDark() const { return m_settings.isDark; }
+    /// Lets go of a page whose engine is gone, as soon as nothing of it is on the stack.
+    void retire(WebContents& contents, QWidget& widget);
+
+private:
+    const PageProfile m_settings;
+    const WebLimits m_limits;
+    WebCertificates m_certificates;
+    WebTurns m_turns;
+    std::unique_ptr<QWebEngineProfile> m_profile;
+    std::vector<QPointer<QObject>> m_retired; ///< All must go before the profile.
+};
+
+} // namespace Bralto

@@ -1,0 +1,328 @@
+#include "Web/WebPage.h"
+
+#include "Web/WebContents.h"
+#include "Web/WebEngines.h"
+
+#include <QBuffer>
+#include <QIcon>
+#include <QWebEngineFindTextResult>
+#include <QWebEngineFullScreenRequest>
+#include <QWebEngineScriptCollection>
+
+#include <csignal>
+
+namespace Bralto {
+
+namespace {
+
+constexpr QColor DarkPaper{0x1e, 0x1e, 0x1e};
+constexpr int LargestIcon = 32;
+constexpr int SmallestIcon = 16;
+
+QWebEngineScript scriptFor(const QString& key)
+{
+    QWebEngineScript script;
+    script.setName(QStringLiteral("bralto"));
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::MainWorld);
+    script.setRunsOnSubFrames(true);
+    script.setSourceCode(WebBridge::documentScript(key));
+    return script;
+}
+
+QWebEnginePage::WebAction actionFor(PageAction action)
+{
+    switch (action) {
+    case PageAction::Undo:
+        return QWebEnginePage::Undo;
+    case PageAction::Redo:
+        return QWebEnginePage::Redo;
+    case PageAction::Cut:
+        return QWebEnginePage::Cut;
+    case PageAction::Copy:
+        return QWebEnginePage::Copy;
+    case PageAction::Paste:
+        return QWebEnginePage::Paste;
+    case PageAction::PasteAsPlainText:
+        return QWebEnginePage::PasteAndMatchStyle;
+    case PageAction::SelectAll:
+        return QWebEnginePage::SelectAll;
+    case PageAction::CopyImage:
+        return QWebEnginePage::CopyImageToClipboard;
+    }
+    return QWebEnginePage::NoWebAction;
+}
+
+} // namespace
+
+WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
+    : m_engines(engines)
+    , m_delegate(delegate)
+    , m_key(WebBridge::newKey())
+    , m_questions(delegate)
+    , m_contents(*new WebContents(&engines.profile(), m_questions))
+    , m_navigation(m_contents, engines.certificates(), engines.limits().answer, this)
+    , m_console(delegate, this)
+    , m_calls(m_contents, m_key, this)
+    , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
+    , m_heartbeat(m_contents, engines.limits().patience, this)
+    , m_requests(m_contents, m_questions, delegate, this)
+{
+    m_contents.scripts().insert(scriptFor(m_key));
+    setDark(engines.isDark());
+    m_place.view().setPage(&m_contents);
+    connectNavigation();
+    connectContents();
+    connectView();
+}
+
+WebPage::~WebPage()
+{
+    delete m_inspector;
+    if (const auto found = std::exchange(m_found, nullptr))
+        found(0, 0);
+    m_calls.endAll({PageScriptError::Kind::Ended});
+    m_questions.withdrawAll();
+    m_contents.disconnect(this);
+    if (QWidget* widget = m_place.widget())
+        m_engines.retire(m_contents, *widget);
+    else
+        m_contents.retire();
+}
+
+// --- the parts
+
+void WebPage::connectNavigation()
+{
+    connect(&m_navigation, &WebNavigation::changed, this, [this] {
+        m_heartbeat.setWanted(m_navigation.isLoading() || !m_calls.isIdle());
+        m_delegate.pageChanged();
+    });
+    connect(&m_navigation, &WebNavigation::committed, this, [this] {
+        const QPointer<WebPage> self(this);
+        m_delegate.pageCommitted();
+        if (self)
+            m_delegate.pageChanged();
+    });
+    connect(&m_navigation, &WebNavigation::failed, this,
+            [this](const PageLoadError& error) { m_delegate.pageFailed(error); });
+    connect(&m_calls, &WebCalls::begun, this, [this] {
+        m_place.hold();
+        m_heartbeat.setWanted(true);
+    });
+    connect(&m_calls, &WebCalls::idle, this, [this] {
+        m_place.release();
+        m_heartbeat.setWanted(m_navigation.isLoading());
+    });
+    connect(&m_heartbeat, &WebHeartbeat::respondsChanged, this,
+            [this](bool responds) { m_delegate.pageResponds(responds); });
+    connect(&m_questions, &WebQuestions::changed, this, &WebPage::followQuestions);
+}
+
+void WebPage::connectContents()
+{
+    connect(&m_contents, &WebContents::consoleMessage, this, &WebPage::read);
+    connect(&m_contents, &QWebEnginePage::linkHovered, this,
+            [this](const QString& link) { m_delegate.pageHovered(QUrl(link)); });
+    connect(&m_contents, &QWebEnginePage::fullScreenRequested, this,
+            [this](QWebEngineFullScreenRequest request) {
+                m_isFullScreen = request.toggleOn();
+                request.accept();
+                m_delegate.pageWantsFullScreen(m_isFullScreen);
+            });
+    connect(&m_contents, &QWebEnginePage::iconChanged, this, &WebPage::showIcon);
+    connect(&m_contents, &QWebEnginePage::renderProcessTerminated, this, &WebPage::endWithProcess);
+    connect(&m_contents, &QWebEnginePage::loadFinished, this,
+            [this] { m_contents.setZoomFactor(m_zoom); });
+}
+
+void WebPage::connectView()
+{
+    connect(&m_place.view(), &WebView::menuRequested, this,
+            [this](const PageContext& context, const QPoint& position) {
+                m_delegate.pageWantsMenu(context, position);
+            });
+    connect(&m_place.view(), &WebView::escapePressed, this, [this] {
+        if (m_isFullScreen)
+            m_contents.triggerAction(QWebEnginePage::ExitFullScreen);
+    });
+    connect(&m_place.view(), &WebView::pressed, &m_heartbeat, &WebHeartbeat::check);
+}
+
+void WebPage::read(int level, const QString& text)
+{
+    using Kind = WebBridge::Message::Kind;
+    const auto message = WebBridge::read(m_key, text);
+    if (!message) {
+        m_console.addNative(level, text);
+        return;
+    }
+    if (message->kind == Kind::Hello) {
+        meetDocument(QUrl(message->text));
+    } else if (message->kind == Kind::Log) {
+        m_console.add(message->level, message->text);
+    } else {
+        // What a script logged comes before what it gave.
+        const QPointer<WebPage> self(this);
+        m_console.flush();
+        if (self)
+            m_calls.read(*message);
+    }
+}
+
+void WebPage::meetDocument(const QUrl& url)
+{
+    const QPointer<WebPage> self(this);
+    m_calls.endAll({PageScriptError::Kind::Navigated});
+    if (!self)
+        return;
+    m_questions.withdrawAll();
+    if (!self)
+        return;
+    m_heartbeat.restart();
+    m_contents.setZoomFactor(m_zoom);
+    // The place of a page that failed is taken by an empty one of the engine's.
+    if (self && url.scheme() != QStringLiteral("chrome-error"))
+        m_navigation.commit(url);
+}
+
+void WebPage::endWithProcess()
+{
+    const QPointer<WebPage> self(this);
+    m_calls.endAll({PageScriptError::Kind::Ended});
+    if (self)
+        m_questions.withdrawAll();
+    if (self)
+        m_heartbeat.restart();
+    if (self)
+        m_navigation.endWithProcess();
+    if (self)
+        m_delegate.pageEnded();
+}
+
+void WebPage::showIcon(const QIcon& icon)
+{
+    QByteArray png;
+    if (!icon.isNull()) {
+        QImage image = icon.pixmap(LargestIcon).toImage();
+        if (image.width() < SmallestIcon || image.height() < SmallestIcon)
+            image = image.scaled(SmallestIcon, SmallestIcon, Qt::KeepAspectRatioByExpanding,
+                                 Qt::SmoothTransformation);
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+    }
+    m_delegate.pageIconChanged(png);
+}
+
+void WebPage::followQuestions()
+{
+    const PageQuestion* blocking = m_questions.blocking();
+    m_heartbeat.setPaused(blocking != nullptr);
+    m_navigation.setWaitingForUser(m_questions.isWaitingForLogin());
+    if (blocking)
+        m_calls.endAll({PageScriptError::Kind::Asking, {}, blocking->text});
+}
+
+// --- what the program asks for
+
+void WebPage::load(const QUrl& url)
+{
+    const QPointer<WebPage> self(this);
+    m_questions.withdrawAll();
+    if (self)
+        m_navigation.load(url);
+}
+
+void WebPage::call(const PageScript& script, std::chrono::milliseconds timeout,
+                   std::function<void(PageScriptResult)> done)
+{
+    if (const PageQuestion* blocking = m_questions.blocking())
+        m_calls.refuse({PageScriptError::Kind::Asking, {}, blocking->text}, std::move(done));
+    else
+        m_calls.call(script, timeout, std::move(done));
+}
+
+void WebPage::picture(PageExtent extent, std::function<void(PagePictureResult)> done)
+{
+    m_pictures.take(extent, m_questions.blocking() != nullptr, std::move(done));
+}
+
+void WebPage::setZoomFactor(double factor)
+{
+    m_zoom = factor;
+    m_contents.setZoomFactor(factor);
+}
+
+void WebPage::setDark(bool dark)
+{
+    m_contents.setBackgroundColor(dark ? DarkPaper : QColor(Qt::white));
+}
+
+void WebPage::find(const QString& text, FindDirection direction,
+                   std::function<void(int active, int count)> done)
+{
+    // The engine forgets a search for the next one.
+    if (const auto found = std::exchange(m_found, std::move(done)))
+        found(0, 0);
+    const auto flags = direction == FindDirection::Backward
+                           ? QWebEnginePage::FindFlags(QWebEnginePage::FindBackward)
+                           : QWebEnginePage::FindFlags();
+    m_contents.findText(text, flags,
+                        [self = QPointer(this)](const QWebEngineFindTextResult& result) {
+                            if (!self)
+                                return;
+                            if (const auto found = std::exchange(self->m_found, nullptr))
+                                found(result.activeMatch(), result.numberOfMatches());
+                        });
+}
+
+void WebPage::perform(PageAction action)
+{
+    m_contents.triggerAction(actionFor(action));
+}
+
+void WebPage::answer(quint64 question, const PageAnswer& answer)
+{
+    m_questions.answer(question, answer);
+}
+
+void WebPage::terminate()
+{
+    const auto process = m_contents.renderProcessPid();
+    if (process > 0)
+        ::kill(pid_t(process), SIGKILL);
+}
+
+void WebPage::inspect()
+{
+    if (!m_inspector) {
+        m_pictures.giveUpLink();
+        m_inspector = new WebInspector(m_contents);
+    }
+    m_inspector->show();
+    m_inspector->raise();
+    m_inspector->activateWindow();
+}
+
+// --- place
+
+QSize WebPage::size() const
+{
+    const QWidget* widget = m_place.widget();
+    return widget ? widget->size() : QSize();
+}
+
+void WebPage::resize(QSize size)
+{
+    if (QWidget* widget = m_place.widget())
+        widget->resize(size);
+}
+
+bool WebPage::isPlaced() const
+{
+    const QWidget* widget = m_place.widget();
+    return widget && widget->parentWidget();
+}
+
+} // namespace Bralto
