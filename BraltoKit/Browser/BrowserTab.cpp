@@ -228,6 +228,8 @@ void BrowserTab::answer(quint64 question, const PageAnswer& answer)
 
 void BrowserTab::leaveFullScreen()
 {
+    if (m_page)
+        m_page->leaveFullScreen();
     pageWantsFullScreen(false);
 }
 

@@ -50,6 +50,7 @@ public:
     void find(const QString& text, FindDirection direction,
               std::function<void(int active, int count)> done) override;
     void perform(PageAction action) override;
+    void leaveFullScreen() override;
     void answer(quint64 question, const PageAnswer& answer) override;
     void terminate() override;
     void inspect() override;
@@ -63,8 +64,8 @@ private:
     void connectNavigation();
     void connectContents();
     void connectView();
-    void read(int level, const QString& text);
-    void meetDocument(const QUrl& url);
+    void read(int level, const QString& text, int line, const QString& source);
+    void forgetDocument();
     void followQuestions();
     void endWithProcess();
     void showIcon(const QIcon& icon);
