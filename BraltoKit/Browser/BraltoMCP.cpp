@@ -23,7 +23,7 @@ std::string_view view(const QByteArray& bytes)
     return {bytes.constData(), std::size_t(bytes.size())};
 }
 
-QString text(std::string_view utf8)
+QString fromUtf8(std::string_view utf8)
 {
     return QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
 }
@@ -133,7 +133,7 @@ QByteArray call(std::string_view id, const std::optional<JsonObject>& params,
     const auto name = params ? params->view("name") : std::nullopt;
     if (!name)
         return error(id, InvalidParameters, QStringLiteral("tools/call needs a tool name"));
-    const QString tool = text(*name);
+    const QString tool = fromUtf8(*name);
     if (!toolNames().contains(tool))
         return error(id, InvalidParameters, QStringLiteral("Unknown tool: ") + tool);
     const bool hasArguments = params->object("arguments").has_value();
@@ -193,8 +193,7 @@ std::optional<QByteArray> handle(const JsonObject& message, std::string_view tex
         return success(id, view(listResult()));
     if (*method == "tools/call")
         return call(id, params, params ? slice(message, "params", text) : "", server.relay);
-    return error(id, MethodNotFound,
-                 QStringLiteral("Method not found: ") + BraltoMCP::text(*method));
+    return error(id, MethodNotFound, QStringLiteral("Method not found: ") + fromUtf8(*method));
 }
 
 const QSet<QString>& toolNames()

@@ -206,6 +206,35 @@ TEST_F(McpProcess, TakesALongCall)
     EXPECT_EQ(requests[0], R"({"tool":"type","arguments":{"text":")" + text + R"("}})");
 }
 
+TEST_F(McpProcess, EndsAtALineWithoutAnEnd)
+{
+    start(project);
+    for (int mebibyte = 0; mebibyte < 129 && process.state() == QProcess::Running; ++mebibyte) {
+        process.write(QByteArray(1 << 20, 'x'));
+        process.waitForBytesWritten();
+    }
+
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.readAllStandardOutput(), "");
+    EXPECT_EQ(process.readAllStandardError(), "");
+}
+
+TEST_F(McpProcess, LeavesTheWindowAloneWhenItDiesInTheMiddleOfACall)
+{
+    openWindow();
+    start(project);
+    process.write(R"({"id":1,"method":"tools/call","params":{"name":"type","arguments":{"text":")" +
+                  QByteArray(30'000'000, 'x') + "\"}}}\n");
+    ASSERT_TRUE(process.waitForBytesWritten());
+    process.kill();
+    ASSERT_TRUE(process.waitForFinished());
+
+    start(project);
+    EXPECT_TRUE(ask(R"({"id":1,"method":"tools/call","params":{"name":"tabs"}})").contains("done"));
+    EXPECT_EQ(end(), 0);
+}
+
 TEST_F(McpProcess, OutlivesAnAgentThatReadsNoMore)
 {
     openWindow();
