@@ -380,7 +380,7 @@ void BrowserTab::pageIconChanged(const QByteArray& png)
 void BrowserTab::pageEnded()
 {
     pageResponds(true);
-    setStatus(m_errorMessage, m_canVisitAnyway, true);
+    setStatus(QStringLiteral("This page has stopped."), false, true);
 }
 
 void BrowserTab::pageResponds(bool responds)
