@@ -94,13 +94,15 @@ void WebNavigation::load(const QUrl& url)
 void WebNavigation::goBack()
 {
     if (canGoBack())
-        m_page.triggerAction(QWebEnginePage::Back);
+        // The engine's own step passes over a page that the user never touched, which is where an
+        // agent wants to go.
+        m_page.history()->goToItem(m_page.history()->backItem());
 }
 
 void WebNavigation::goForward()
 {
     if (canGoForward())
-        m_page.triggerAction(QWebEnginePage::Forward);
+        m_page.history()->goToItem(m_page.history()->forwardItem());
 }
 
 void WebNavigation::reload()
