@@ -4,6 +4,7 @@
 #include "Web/WebConsole.h"
 #include "Web/WebHeartbeat.h"
 #include "Web/WebInspector.h"
+#include "Web/WebLogins.h"
 #include "Web/WebNavigation.h"
 #include "Web/WebPictures.h"
 #include "Web/WebPlace.h"
@@ -73,7 +74,7 @@ private:
 
     WebEngines& m_engines;
     PageDelegate& m_delegate;
-    const QString m_key; ///< Marks what the page's documents tell the program.
+    const WebBridge::Keys m_keys;
     WebQuestions m_questions;
     WebContents& m_contents; ///< Goes in a later turn than this object.
     WebPlace m_place;
@@ -83,6 +84,7 @@ private:
     WebPictures m_pictures;
     WebHeartbeat m_heartbeat;
     WebRequests m_requests;
+    WebLogins m_logins;
     QPointer<WebInspector> m_inspector;
     std::function<void(int, int)> m_found; ///< Of the search that is under way.
     double m_zoom = 1;
