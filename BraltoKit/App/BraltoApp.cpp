@@ -6,13 +6,48 @@
 
 #include <QApplication>
 
+#include <optional>
+
 namespace Bralto::BraltoApp {
+
+namespace {
+
+constexpr char GlIntegration[] = "QT_XCB_GL_INTEGRATION";
+
+/// For the making of the application object: keeps the platform from loading a graphics driver for
+/// contexts that nobody draws with, which is more than half of a window's memory. Pages are drawn
+/// without one too, unless the user chose another backend. Programs in panes don't see it.
+class WithoutGraphicsDriver {
+public:
+    WithoutGraphicsDriver()
+        : m_isWanted(!qEnvironmentVariableIsSet(GlIntegration) &&
+                     qEnvironmentVariable("QT_QUICK_BACKEND", QStringLiteral("software")) ==
+                         QLatin1String("software"))
+    {
+        if (m_isWanted)
+            qputenv(GlIntegration, "none");
+    }
+    ~WithoutGraphicsDriver()
+    {
+        if (m_isWanted)
+            qunsetenv(GlIntegration);
+    }
+    WithoutGraphicsDriver(const WithoutGraphicsDriver&) = delete;
+    WithoutGraphicsDriver& operator=(const WithoutGraphicsDriver&) = delete;
+
+private:
+    bool m_isWanted;
+};
+
+} // namespace
 
 int main(int argc, char** argv)
 {
     // A page may come later, and its engine asks for this before the application object.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    std::optional<WithoutGraphicsDriver> withoutDriver(std::in_place);
     QApplication application(argc, argv);
+    withoutDriver.reset();
     const LaunchRole role = MainBundle::role(MainBundle::executable());
     QCoreApplication::setApplicationName(QStringLiteral("Bralto"));
     QCoreApplication::setApplicationVersion(role.shortVersion);

@@ -8,6 +8,7 @@
 #include "Launch/Demo.h"
 #include "Platform/LocalPaneProcess.h"
 #include "Platform/MainBundle.h"
+#include "Projects/ProjectUse.h"
 #include "Views/Chat/ChatView.h"
 #include "Views/Terminal/TerminalInput.h"
 #include "Views/Terminal/TerminalView.h"
@@ -19,6 +20,7 @@
 #include <QFileInfo>
 #include <QPointer>
 #include <QProcessEnvironment>
+#include <QStandardPaths>
 
 namespace Bralto {
 
@@ -34,6 +36,14 @@ Theme::System systemLook(const SystemSettings& settings)
     const bool paletteIsDark = QGuiApplication::palette().window().color().lightness() < 128;
     return {settings.dark().value_or(paletteIsDark), settings.reducedMotion(),
             Compositing::isActive()};
+}
+
+PageProfile pageProfile(const AppPaths& paths, const LaunchRole& role, bool isDark)
+{
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return {.storage = paths.browser(role.bundleIdentifier),
+            .cache = cache + QStringLiteral("/bralto/") + role.bundleIdentifier,
+            .isDark = isDark};
 }
 
 void copyToClipboard(const QString& text)
@@ -66,13 +76,26 @@ Program::Program(QApplication& application, const LaunchRole& role)
                      : std::nullopt)
     , m_terminalHost(m_chatHost, m_defaults.shared,
                      QProcessEnvironment::systemEnvironment().toStringList())
+    , m_servers([this] {
+        return ProcLocalServers::Places{ProjectUse::currentRoot(m_defaults.shared, m_paths),
+                                        m_role.folder.value_or(QString())};
+    })
+    , m_web(WebLibrary::candidates(role, QFileInfo(MainBundle::executable()).path()),
+            pageProfile(m_paths, role, m_theme.tokens().dark))
     , m_motion(m_scheduler)
-    , m_workspace(workspaceServices(), Workspace::RestoreSession::Yes)
     , m_zoom(m_defaults.shared)
+    , m_workspace(workspaceServices(), Workspace::RestoreSession::Yes)
+    , m_browsers(m_workspace)
+    , m_browserTools(m_browsers, m_scheduler, m_clock)
+    , m_browserControl(m_paths, role,
+                       [this](const QByteArray& request, std::function<void(QByteArray)> answer) {
+                           m_browserTools.respond(request, std::move(answer));
+                       })
     , m_commands(
           {m_workspace, m_zoom, [this] { return focusedZoomArea(); },
            role.isFolderApp() ? std::function<void()>([this] { m_spaceApps.openHome(); }) : nullptr,
-           [this](const QString& path) { m_desktop.reveal(path); }, [this] { terminate(); }})
+           [this](const QString& path) { m_desktop.reveal(path); }, [this] { terminate(); },
+           [this] { clearBrowsingData(); }})
     , m_delegate(
           {role, m_workspace, m_defaults, m_desktop, m_scheduler, m_spaceApps,
            [this] { activate(); },
@@ -115,9 +138,27 @@ Workspace::Services Program::workspaceServices()
         m_homeDefaults.emplace(m_paths.preferences(), QLatin1String(SpaceIdentity::HomeIdentifier));
         legacy = &*m_homeDefaults;
     }
-    return {m_defaults,      *legacy,       m_paths,           m_scheduler,      m_clock,
-            m_dialogs,       m_desktop,     m_projects,        m_versionControl, m_focus,
-            panelServices(), m_role.folder};
+    return {m_defaults,      *legacy,       m_paths,          m_scheduler,      m_clock,
+            m_dialogs,       m_desktop,     m_projects,       m_versionControl, m_focus,
+            panelServices(), m_role.folder, browserServices()};
+}
+
+BrowserServices Program::browserServices()
+{
+    // Without a project there are no tabs.
+    return {m_role.isFolderApp() ? &m_web : nullptr, &m_clock, &m_zoom, &m_desktop};
+}
+
+void Program::clearBrowsingData()
+{
+    const int chosen = m_dialogs.show(
+        {tr("Clear the browsing data of this project?"),
+         tr("Cookies, caches and everything else that pages keep on this computer are removed, and "
+            "you are signed out of their sites. Other projects keep theirs."),
+         {tr("Cancel"), tr("Clear")},
+         true});
+    if (chosen == 1)
+        m_web.clearBrowsingData([] {});
 }
 
 TerminalPanel::Services Program::panelServices()
@@ -185,6 +226,7 @@ ViewServices Program::viewServices()
                                                : WindowLayout::Role::HomeApplication,
                           [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
     services.keyboard = &m_keyboard;
+    services.servers = &m_servers;
     services.paneHooks = &Program::paneHooks;
     return services;
 }
@@ -274,6 +316,7 @@ void Program::followSystem()
     });
     connect(&m_workspace, &Workspace::spaceChanged, this,
             [this] { m_theme.setSpace(m_workspace.space()); });
+    connect(&m_theme, &Theme::changed, this, [this] { m_web.setDark(m_theme.tokens().dark); });
     m_theme.setSpace(m_workspace.space());
     m_motion.setReduced(m_settings.reducedMotion());
 }
@@ -289,6 +332,7 @@ int Program::run(const QStringList& urls)
 {
     m_delegate.willFinishLaunching();
     m_delegate.didFinishLaunching();
+    m_browserControl.start();
     if (!urls.isEmpty())
         m_delegate.open(urls);
     // Whoever left with the console open finds the keyboard there again.
@@ -303,6 +347,7 @@ void Program::terminate()
     if (m_isTerminating || !m_delegate.shouldTerminate())
         return;
     m_isTerminating = true;
+    m_browserControl.stop();
     m_delegate.willTerminate();
     QApplication::exit(0);
 }

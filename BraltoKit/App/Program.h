@@ -5,11 +5,15 @@
 #include "App/CommandMenu.h"
 #include "App/ProjectProcess.h"
 #include "App/QuitSignals.h"
+#include "App/WebLibrary.h"
 #include "Base/Motion.h"
+#include "Browser/BrowserControl.h"
+#include "Browser/BrowserController.h"
 #include "Chat/ChatFileIndex.h"
 #include "Platform/ApplicationService.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/FileDefaultsStore.h"
+#include "Platform/ProcLocalServers.h"
 #include "Platform/ProcProcessInspector.h"
 #include "Platform/ProcessDefaults.h"
 #include "Platform/ProgramChatHost.h"
@@ -26,6 +30,7 @@
 #include "Views/Window/RootView.h"
 #include "Views/Window/WindowChrome.h"
 #include "Views/Window/WindowFocus.h"
+#include "Workspace/WorkspaceBrowsers.h"
 
 #include <QApplication>
 #include <QObject>
@@ -61,6 +66,8 @@ private:
     [[nodiscard]] QWidget* makeChatView(ClaudeChat& chat, Theme& look);
     [[nodiscard]] QWidget* makeTerminalView(ConsolePane& pane, TerminalSession& session);
     [[nodiscard]] Workspace::Services workspaceServices();
+    [[nodiscard]] BrowserServices browserServices();
+    void clearBrowsingData();
     [[nodiscard]] Zoom::Area focusedZoomArea() const;
     void buildWindow();
     void followSystem();
@@ -95,9 +102,14 @@ private:
     ProcProcessInspector m_processes;
     XkbKeyboardLayout m_keyboard;
     ProgramTerminalHost m_terminalHost;
+    ProcLocalServers m_servers;
+    WebLibrary m_web;
     Motion m_motion;
-    Workspace m_workspace;
     Zoom m_zoom;
+    Workspace m_workspace;
+    WorkspaceBrowsers m_browsers;
+    BrowserController m_browserTools;
+    BrowserControl m_browserControl;
     BraltoCommands m_commands;
     AppDelegate m_delegate;
     QuitSignals m_signals;

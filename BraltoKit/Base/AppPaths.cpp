@@ -51,6 +51,11 @@ QString AppPaths::mcpConfig() const
     return support() + QStringLiteral("/mcp.json");
 }
 
+QString AppPaths::browser(const QString& identifier) const
+{
+    return support() + QStringLiteral("/Browser/") + identifier;
+}
+
 QString AppPaths::applications() const
 {
     return m_home + QStringLiteral("/Applications/Bralto");

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] QString control() const; ///< control in the support folder: the sockets
     /// mcp.json in the support folder: how the agent starts the program's own server.
     [[nodiscard]] QString mcpConfig() const;
+    /// Browser in the support folder: what pages keep, a folder for each application identifier.
+    [[nodiscard]] QString browser(const QString& identifier) const;
     [[nodiscard]] QString
     applications() const; ///< Applications/Bralto, the bundles of the projects
     [[nodiscard]] QString

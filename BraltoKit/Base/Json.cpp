@@ -339,19 +339,37 @@ std::optional<JsonObject> JsonReader::paddedObject(std::string_view text)
     return parse(text, true);
 }
 
+Expected<JsonValue, QString> JsonReader::value(std::string_view text)
+{
+    simdjson::dom::element element;
+    const auto error = parseAnyway(text, false, false, element);
+    if (error != SUCCESS)
+        return Unexpected{QString::fromLatin1(simdjson::error_message(error))};
+    return JsonValue(element);
+}
+
 std::optional<JsonObject> JsonReader::parse(std::string_view text, bool isPadded)
 {
-    if (text.empty())
-        return std::nullopt;
-    fit(text.size());
     simdjson::dom::element element;
-    auto error = m_parser.parse(text.data(), text.size(), !isPadded).get(element);
-    if (error == simdjson::UTF8_ERROR || error == simdjson::STRING_ERROR ||
-        error == simdjson::NUMBER_ERROR) {
-        const QByteArray sound = repaired(text);
-        error = m_parser.parse(sound.constData(), std::size_t(sound.size())).get(element);
-    }
-    return error == SUCCESS ? JsonValue(element).object() : std::nullopt;
+    return parseAnyway(text, isPadded, true, element) == SUCCESS ? JsonValue(element).object()
+                                                                 : std::nullopt;
+}
+
+/// Parses what JSON allows and the parser refuses as well, and if it `mayBeDamaged`, text that is
+/// no UTF-8.
+simdjson::error_code JsonReader::parseAnyway(std::string_view text, bool isPadded,
+                                             bool mayBeDamaged, simdjson::dom::element& element)
+{
+    if (text.empty())
+        return simdjson::EMPTY;
+    fit(text.size());
+    const auto error = m_parser.parse(text.data(), text.size(), !isPadded).get(element);
+    const bool isRepairable = (error == simdjson::UTF8_ERROR && mayBeDamaged) ||
+                              error == simdjson::STRING_ERROR || error == simdjson::NUMBER_ERROR;
+    if (!isRepairable)
+        return error;
+    const QByteArray sound = repaired(text);
+    return m_parser.parse(sound.constData(), std::size_t(sound.size())).get(element);
 }
 
 void JsonReader::fit(std::size_t size)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/Expected.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -33,6 +35,7 @@ public:
     [[nodiscard]] std::optional<double> number() const;
     [[nodiscard]] std::optional<JsonObject> object() const;
     [[nodiscard]] std::optional<JsonArray> array() const;
+    [[nodiscard]] bool isNull() const { return m_element.is_null(); }
 
     [[nodiscard]] simdjson::dom::element element() const { return m_element; }
 
@@ -105,8 +108,14 @@ public:
     /// The same for a text with at least `Padding` readable bytes of any value behind it.
     [[nodiscard]] std::optional<JsonObject> paddedObject(std::string_view text);
 
+    /// Whatever value `text` is; on failure the parser's words. Text that is no UTF-8 is not
+    /// repaired here. The result is valid until the next call.
+    [[nodiscard]] Expected<JsonValue, QString> value(std::string_view text);
+
 private:
     std::optional<JsonObject> parse(std::string_view text, bool isPadded);
+    simdjson::error_code parseAnyway(std::string_view text, bool isPadded, bool mayBeDamaged,
+                                     simdjson::dom::element& element);
     void fit(std::size_t size);
 
     simdjson::dom::parser m_parser;

@@ -228,6 +228,8 @@ void BrowserTab::answer(quint64 question, const PageAnswer& answer)
 
 void BrowserTab::leaveFullScreen()
 {
+    if (m_page)
+        m_page->leaveFullScreen();
     pageWantsFullScreen(false);
 }
 
@@ -378,7 +380,7 @@ void BrowserTab::pageIconChanged(const QByteArray& png)
 void BrowserTab::pageEnded()
 {
     pageResponds(true);
-    setStatus(m_errorMessage, m_canVisitAnyway, true);
+    setStatus(QStringLiteral("This page has stopped."), false, true);
 }
 
 void BrowserTab::pageResponds(bool responds)

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] bool canGoForward() const { return m_canGoForward; }
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] double progress() const { return m_progress; } ///< 0 to 1.
-    /// Why the last load failed.
+    /// Why the last load failed, or that the page ended.
     [[nodiscard]] const std::optional<QString>& errorMessage() const { return m_errorMessage; }
     /// The last load failed for the server's certificate alone.
     [[nodiscard]] bool canVisitAnyway() const { return m_canVisitAnyway; }

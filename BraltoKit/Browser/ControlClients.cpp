@@ -105,7 +105,7 @@ void ControlClients::add(FileDescriptor connection)
     const int descriptor = connection.get();
     if (!isSameUser(descriptor) || !leavesDescriptors(descriptor) || !enter(descriptor))
         return;
-    auto owned = std::make_unique<Connection>(shared_from_this(), std::move(connection));
+    std::unique_ptr<Connection> owned(new Connection{shared_from_this(), std::move(connection)});
     if (startDetached(run, owned.get()))
         static_cast<void>(owned.release()); // The thread's from here on.
     else

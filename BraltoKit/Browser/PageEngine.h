@@ -202,6 +202,8 @@ public:
     virtual void find(const QString& text, FindDirection direction,
                       std::function<void(int active, int count)> done) = 0;
     virtual void perform(PageAction action) = 0;
+    /// Ends the page's full screen, which it tells as any other end of it.
+    virtual void leaveFullScreen() = 0;
     virtual void answer(quint64 question, const PageAnswer& answer) = 0;
     /// Ends a page that no longer responds, with its process.
     virtual void terminate() = 0;

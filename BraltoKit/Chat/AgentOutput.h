@@ -2,11 +2,11 @@
 
 #include "Base/Clock.h"
 #include "Base/Json.h"
+#include "Base/MainThreadDoor.h"
 #include "Chat/AgentProcess.h"
 #include "Chat/ChatErrorLog.h"
 #include "Chat/ChatEvent.h"
 #include "Chat/ChatLineReader.h"
-#include "Chat/MainThreadDoor.h"
 
 #include <atomic>
 #include <condition_variable>

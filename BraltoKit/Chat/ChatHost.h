@@ -20,7 +20,8 @@ public:
     /// Whether the agent has a stored conversation of this id, in any project.
     [[nodiscard]] virtual bool hasTranscript(const QString& sessionId) const = 0;
 
-    /// The flags that tell the agent of the program's own server; empty if there is none.
+    /// The flags that tell the agent of the program's own server; empty if there is none. Sees to
+    /// it that the file which they name is on disk.
     [[nodiscard]] virtual QStringList mcpConfigFlags() const = 0;
 
     /// The shell that starts the agent, an absolute path.

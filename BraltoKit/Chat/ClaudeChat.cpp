@@ -1,9 +1,9 @@
 #include "Chat/ClaudeChat.h"
 
+#include "Base/MainThreadDoor.h"
 #include "Base/ShellQuote.h"
 #include "Chat/ChatEffort.h"
 #include "Chat/ChatProtocol.h"
-#include "Chat/MainThreadDoor.h"
 
 #include <QTextBoundaryFinder>
 #include <QUuid>

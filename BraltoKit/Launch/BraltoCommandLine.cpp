@@ -19,8 +19,8 @@ constexpr char Help[] =
     "  --deliver IDENTIFIER ADDRESS\n"
     "                          open a link in the running application of that\n"
     "                          bundle identifier; fails if there is none\n"
-    "  --mcp                   serve the browser tools on standard input and\n"
-    "                          output; not available in this version\n"
+    "  --mcp                   serve the browser tools to an agent on standard\n"
+    "                          input and output\n"
     "  --render-icon FILE      write the program's icon; not available in this\n"
     "                          version\n"
     "  --help                  show this text\n"
@@ -47,6 +47,12 @@ int refuse(const QString& option, QTextStream& err)
     err << "Bralto: " << option << " is not available in this version.\n";
     err.flush();
     return NotAvailable;
+}
+
+int serve(const Actions& actions)
+{
+    actions.serveTools();
+    return Success;
 }
 
 int install(const QString& folder, const Actions& actions, Streams streams)
@@ -85,11 +91,10 @@ int print(const QString& text, QTextStream& out)
 
 std::optional<int> handle(const QStringList& arguments, const Actions& actions, Streams streams)
 {
-    const QString mcp = QStringLiteral("--mcp");
     const QString renderIcon = QStringLiteral("--render-icon");
 
-    if (has(arguments, mcp))
-        return refuse(mcp, streams.err);
+    if (has(arguments, QStringLiteral("--mcp")))
+        return serve(actions);
     if (const auto found = values(arguments, QStringLiteral("--install-space"), 1))
         return install(found->first(), actions, streams);
     if (values(arguments, renderIcon, 1))

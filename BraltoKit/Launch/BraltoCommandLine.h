@@ -15,6 +15,8 @@ namespace Bralto::BraltoCommandLine {
 
 /// What the options bring about.
 struct Actions {
+    /// Serves the browser tools on standard input and output until the input ends.
+    std::function<void()> serveTools;
     /// Makes the application of a folder: its bundle, or the system's words why not.
     std::function<Expected<QString, QString>(const QString& folder)> installSpace;
     QString version; ///< Of the home application.
@@ -30,7 +32,7 @@ struct Streams {
 /// The exit status of a process whose `arguments`, its own path first, are a command; nothing if
 /// the application has to start. The first rule that matches wins:
 ///
-///     --mcp anywhere          not in this version: a message and 2
+///     --mcp anywhere          serves the browser tools, then 0
 ///     --install-space PATH    prints the bundle and 0, or a message and 1
 ///     --render-icon PATH      not in this version: a message and 2
 ///     --deliver ID ADDRESS    0, or a message and 1

@@ -2,6 +2,7 @@
 #include "Launch/BraltoCommandLine.h"
 
 #include "Base/AppPaths.h"
+#include "Browser/BraltoMCP.h"
 #include "Platform/MainBundle.h"
 #include "Platform/ProcessDefaults.h"
 #include "Platform/SessionApplications.h"
@@ -62,6 +63,7 @@ std::optional<int> handle(const QStringList& arguments)
 {
     const LaunchRole role = MainBundle::role(MainBundle::executable());
     const Actions actions{
+        [&role] { BraltoMCP::runStdio(role.shortVersion); },
         [&role](const QString& folder) { return installSpace(role, folder); },
         role.shortVersion,
         deliver,

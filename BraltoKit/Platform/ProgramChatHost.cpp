@@ -1,6 +1,7 @@
 #include "Platform/ProgramChatHost.h"
 
 #include "Base/PaneEnvironment.h"
+#include "Browser/BrowserControl.h"
 #include "Chat/ChatHistory.h"
 #include "Platform/Programs.h"
 
@@ -43,13 +44,12 @@ bool ProgramChatHost::hasTranscript(const QString& sessionId) const
     return transcriptPath(sessionId).has_value();
 }
 
-// The program's own server and what watches the agent from outside come with later modules; until
-// then the agent starts without them and nothing has to be told.
-
 QStringList ProgramChatHost::mcpConfigFlags() const
 {
-    return {};
+    return BrowserControl::mcpConfigFlags(m_surroundings.paths, m_surroundings.role);
 }
+
+// What watches the agent from outside comes with later modules; until then nothing has to be told.
 
 void ProgramChatHost::installHooks() {}
 

@@ -17,7 +17,7 @@ QString settingsFlag(const ChatHost& host, const QString& base)
     return u' ' + flag + u' ' + ShellQuote::quoted(QLatin1String(DemoSettings));
 }
 
-QString serverFlags(const ChatHost& host)
+QString mcpConfigArgument(const ChatHost& host)
 {
     const QStringList flags = host.mcpConfigFlags();
     return flags.isEmpty() ? QString() : u' ' + ShellQuote::joined(flags);
@@ -42,7 +42,7 @@ QString command(ChatHost& host, const QString& session)
     const QString base = baseCommand(host);
     const QString conversation =
         hasTranscript(host, key) ? QStringLiteral(" --resume ") : QStringLiteral(" --session-id ");
-    return base + settingsFlag(host, base) + serverFlags(host) + conversation + key;
+    return base + settingsFlag(host, base) + mcpConfigArgument(host) + conversation + key;
 }
 
 } // namespace Bralto::ClaudeLauncher

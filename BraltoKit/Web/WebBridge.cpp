@@ -54,6 +54,8 @@ std::optional<Message::Kind> kindOf(QChar letter)
         return Message::Kind::Exception;
     case 'c':
         return Message::Kind::Log;
+    case 'm':
+        return Message::Kind::Muted;
     default:
         return std::nullopt;
     }
@@ -69,11 +71,13 @@ QString newKey()
         QByteArray(reinterpret_cast<const char*>(words), sizeof words).toHex());
 }
 
-QString documentScript(const QString& key)
+QString documentScript(const QString& key, Arrival arrival)
 {
     static const QString scripts = resource("bridge.js") + resource("console.js");
     return QStringLiteral("(() => {\n\"use strict\";\nconst braltoKey = ") + quoted(key) +
-           QStringLiteral(";\n") + scripts + QStringLiteral("})();");
+           QStringLiteral(";\nconst braltoIsFirst = ") +
+           (arrival == Arrival::First ? QStringLiteral("true;\n") : QStringLiteral("false;\n")) +
+           scripts + QStringLiteral("})();");
 }
 
 bool isArgumentName(const QString& name)

@@ -13,8 +13,9 @@ namespace Bralto::WebBridge {
 /// A fresh key for one page.
 [[nodiscard]] QString newKey();
 
-/// Runs in every frame before any script of the page.
-[[nodiscard]] QString documentScript(const QString& key);
+/// Runs in every frame before any script of the page; `Late` in a document that has none yet.
+enum class Arrival { First, Late };
+[[nodiscard]] QString documentScript(const QString& key, Arrival arrival = Arrival::First);
 
 /// Whether `name` can name a parameter, reserved words apart.
 [[nodiscard]] bool isArgumentName(const QString& name);
@@ -37,6 +38,7 @@ struct Message {
         Unserialisable,
         Exception, ///< `text` is a JSON list of name and message.
         Log,       ///< `level` and `text`.
+        Muted,     ///< An error of which the document may know nothing; the engine tells it next.
     };
 
     Kind kind = Kind::Hello;

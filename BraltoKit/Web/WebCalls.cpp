@@ -134,7 +134,7 @@ void WebCalls::run(quint64 id, const QString& text, bool isSecondTry)
                 return;
             }
             // The first, empty document of a page, for example, comes without.
-            self->m_page.runJavaScript(WebBridge::documentScript(self->m_key),
+            self->m_page.runJavaScript(WebBridge::documentScript(self->m_key, WebBridge::Arrival::Late),
                                        QWebEngineScript::MainWorld);
             self->run(id, text, true);
         });

@@ -44,8 +44,15 @@ void WebConsole::add(const QString& level, const QString& text)
         m_timer.start();
 }
 
-void WebConsole::addNative(int level, const QString& text)
+void WebConsole::addNative(int level, const QString& text, int line, const QString& source)
 {
+    if (m_expectsMuted && text.startsWith(QStringLiteral("Uncaught "))) {
+        m_expectsMuted = false;
+        // Or one in a script of the program's own.
+        if (!source.startsWith(QStringLiteral("bralto-eval-")))
+            add(nameOf(level), QStringLiteral("%1 (%2:%3)").arg(text, source).arg(line));
+        return;
+    }
     const bool isEngines =
         std::any_of(std::begin(EngineWords), std::end(EngineWords),
                     [&text](const char* words) { return text.startsWith(QLatin1String(words)); });

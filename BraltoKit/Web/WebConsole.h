@@ -20,7 +20,9 @@ public:
     void add(const QString& level, const QString& text);
     /// What the engine itself has to say, such as what a server's rules forbid. The rest of what
     /// comes this way the page's own script has told better.
-    void addNative(int level, const QString& text);
+    void addNative(int level, const QString& text, int line, const QString& source);
+    /// The next error that the engine tells is one that the page's script could not see.
+    void expectMuted() { m_expectsMuted = true; }
     /// Tells what waits, at once.
     void flush();
 
@@ -32,6 +34,7 @@ private:
     PageDelegate& m_delegate;
     std::deque<Entry> m_entries;
     QTimer m_timer;
+    bool m_expectsMuted = false;
 };
 
 } // namespace Bralto

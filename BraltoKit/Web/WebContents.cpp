@@ -94,9 +94,9 @@ bool WebContents::javaScriptPrompt(const QUrl& origin, const QString& text,
 }
 
 void WebContents::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& text,
-                                           int /*line*/, const QString& source)
+                                           int line, const QString& source)
 {
-    emit consoleMessage(int(level), text, source);
+    emit consoleMessage(int(level), text, line, source);
 }
 
 QStringList WebContents::chooseFiles(FileSelectionMode mode, const QStringList& /*oldFiles*/,

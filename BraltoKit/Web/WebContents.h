@@ -22,7 +22,7 @@ public:
     [[nodiscard]] static QString originText(const QUrl& url);
 
 signals:
-    void consoleMessage(int level, const QString& text, const QString& source);
+    void consoleMessage(int level, const QString& text, int line, const QString& source);
     void retired();
 
 protected:

@@ -12,6 +12,8 @@ namespace {
 
 /// A bar that moves at once says that the click was heard.
 constexpr double FirstProgress = 0.1;
+/// Its document comes some milliseconds after the failure.
+constexpr std::chrono::seconds ErrorPageLimit{1};
 
 } // namespace
 
@@ -31,6 +33,9 @@ WebNavigation::WebNavigation(QWebEnginePage& page, WebCertificates& certificates
         m_wanted = url;
         fail(LoadErrors::timedOut(url));
     });
+    m_errorTimer.setSingleShot(true);
+    m_errorTimer.setInterval(ErrorPageLimit);
+    connect(&m_errorTimer, &QTimer::timeout, this, &WebNavigation::tellError);
     connect(&page, &QWebEnginePage::loadingChanged, this, &WebNavigation::follow);
     connect(&page, &QWebEnginePage::loadProgress, this, [this](int percent) {
         if (!m_isLoading || percent >= 100)
@@ -70,6 +75,10 @@ void WebNavigation::begin(const QUrl& url)
     m_isCommitted = false;
     m_progress = FirstProgress;
     m_refused.reset();
+    m_error.reset();
+    m_errorTimer.stop();
+    m_isErrorThere = false;
+    m_awaitsWord = false;
     m_answerTimer.start();
 }
 
@@ -84,13 +93,15 @@ void WebNavigation::load(const QUrl& url)
 void WebNavigation::goBack()
 {
     if (canGoBack())
-        m_page.triggerAction(QWebEnginePage::Back);
+        // The engine's own step passes over a page that the user never touched, which is where an
+        // agent wants to go.
+        m_page.history()->goToItem(m_page.history()->backItem());
 }
 
 void WebNavigation::goForward()
 {
     if (canGoForward())
-        m_page.triggerAction(QWebEnginePage::Forward);
+        m_page.history()->goToItem(m_page.history()->forwardItem());
 }
 
 void WebNavigation::reload()
@@ -142,6 +153,25 @@ void WebNavigation::follow(const QWebEngineLoadingInfo& info)
     emit changed();
 }
 
+void WebNavigation::meet(const QUrl& url)
+{
+    // A small document may have been there before its word came.
+    if (std::exchange(m_awaitsWord, false) && url == m_url)
+        return;
+    const QPointer<WebNavigation> self(this);
+    emit replaced();
+    if (!self)
+        return;
+    if (url.scheme() != QStringLiteral("chrome-error")) {
+        commit(url);
+        return;
+    }
+    // The engine's own, in place of a page that failed.
+    m_isErrorThere = true;
+    if (m_error)
+        tellError();
+}
+
 void WebNavigation::commit(const QUrl& url)
 {
     m_answerTimer.stop();
@@ -158,12 +188,21 @@ void WebNavigation::finish(const QWebEngineLoadingInfo& info)
     // Told of already, when it took too long.
     if (!m_isLoading)
         return;
+    const QPointer<WebNavigation> self(this);
+    // What a server sends with an error is a page, if it sends one.
+    const bool isError = info.errorDomain() == Info::HttpStatusCodeDomain;
     if (info.status() == Info::LoadSucceededStatus ||
-        (info.status() == Info::LoadFailedStatus && !info.isErrorPage() &&
-         info.errorDomain() == Info::HttpStatusCodeDomain)) {
-        m_wanted.clear();
-        end(1);
-        setTitle(m_page.title());
+        (info.status() == Info::LoadFailedStatus && isError && !info.isErrorPage())) {
+        // A document without scripts, such as an empty one, does not tell that it has come.
+        if (!m_isCommitted) {
+            emit replaced();
+            if (self)
+                commit(info.url());
+            if (self)
+                m_awaitsWord = true;
+        }
+        if (self)
+            succeed();
         return;
     }
     if (info.status() == Info::LoadStoppedStatus) {
@@ -173,17 +212,34 @@ void WebNavigation::finish(const QWebEngineLoadingInfo& info)
         end(isThere ? 1 : 0);
         return;
     }
-    if (info.errorDomain() == Info::HttpStatusCodeDomain) {
-        m_wanted = info.url();
-        fail(LoadErrors::forStatus(info.errorCode(), info.url()));
-        return;
-    }
+    m_answerTimer.stop();
     m_wanted = info.url();
-    PageLoadError error = LoadErrors::forNetwork(info.errorCode(), info.url());
+    m_error = isError ? LoadErrors::forStatus(info.errorCode(), info.url())
+                      : LoadErrors::forNetwork(info.errorCode(), info.url());
     // What can't be taken anyway is a plain failure.
-    if (error.kind == PageLoadError::Kind::Certificate && !m_refused)
-        error.kind = PageLoadError::Kind::Failed;
-    fail(error);
+    if (m_error->kind == PageLoadError::Kind::Certificate && !m_refused)
+        m_error->kind = PageLoadError::Kind::Failed;
+    // A call that comes now must find the document that stays.
+    if (m_isErrorThere || !info.isErrorPage())
+        tellError();
+    else
+        m_errorTimer.start();
+}
+
+void WebNavigation::tellError()
+{
+    m_errorTimer.stop();
+    if (const auto error = std::exchange(m_error, std::nullopt))
+        fail(*error);
+}
+
+void WebNavigation::succeed()
+{
+    const QPointer<WebNavigation> self(this);
+    m_wanted.clear();
+    end(1);
+    if (self)
+        setTitle(m_page.title());
 }
 
 void WebNavigation::end(double progress)

@@ -37,8 +37,9 @@ public:
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] double progress() const { return m_progress; }
 
-    /// A document at `url` took the old one's place.
-    void commit(const QUrl& url);
+    /// A document at `url` says that it took the old one's place, and no script runs in that any
+    /// more.
+    void meet(const QUrl& url);
     void endWithProcess();
     /// While the user is asked for a login, the server isn't waited for.
     void setWaitingForUser(bool waiting);
@@ -48,13 +49,18 @@ public:
 
 signals:
     void changed();
+    /// The document that was there is gone, and its scripts with it.
+    void replaced();
     void committed();
     void failed(const Bralto::PageLoadError& error);
 
 private:
+    void commit(const QUrl& url);
     void begin(const QUrl& url);
     void follow(const QWebEngineLoadingInfo& info);
     void finish(const QWebEngineLoadingInfo& info);
+    void succeed();
+    void tellError();
     void fail(const PageLoadError& error);
     void end(double progress);
     void setTitle(const QString& title);
@@ -69,6 +75,10 @@ private:
     bool m_isLoading = false;
     bool m_isCommitted = false; ///< What is loading has taken its place.
     bool m_hasEnded = false;    ///< There is no process.
+    bool m_awaitsWord = false;  ///< The document is there, and has not said so.
+    bool m_isErrorThere = false; ///< The engine's document for what failed.
+    std::optional<PageLoadError> m_error; ///< Told once that document is there.
+    QTimer m_errorTimer;                  ///< Or once it should have been.
     double m_progress = 0;
     /// Of the last load that failed for its certificate alone.
     std::optional<WebCertificates::Entry> m_refused;

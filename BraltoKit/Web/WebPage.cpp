@@ -66,6 +66,7 @@ WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
     , m_calls(m_contents, m_key, this)
     , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
     , m_heartbeat(m_contents, engines.limits().patience, this)
+    , m_requests(m_contents, m_questions, delegate, this)
 {
     m_contents.scripts().insert(scriptFor(m_key));
     setDark(engines.isDark());
@@ -97,6 +98,7 @@ void WebPage::connectNavigation()
         m_heartbeat.setWanted(m_navigation.isLoading() || !m_calls.isIdle());
         m_delegate.pageChanged();
     });
+    connect(&m_navigation, &WebNavigation::replaced, this, &WebPage::forgetDocument);
     connect(&m_navigation, &WebNavigation::committed, this, [this] {
         const QPointer<WebPage> self(this);
         m_delegate.pageCommitted();
@@ -125,8 +127,9 @@ void WebPage::connectContents()
             [this](const QString& link) { m_delegate.pageHovered(QUrl(link)); });
     connect(&m_contents, &QWebEnginePage::fullScreenRequested, this,
             [this](QWebEngineFullScreenRequest request) {
+                m_isFullScreen = request.toggleOn();
                 request.accept();
-                m_delegate.pageWantsFullScreen(request.toggleOn());
+                m_delegate.pageWantsFullScreen(m_isFullScreen);
             });
     connect(&m_contents, &QWebEnginePage::iconChanged, this, &WebPage::showIcon);
     connect(&m_contents, &QWebEnginePage::renderProcessTerminated, this, &WebPage::endWithProcess);
@@ -140,19 +143,22 @@ void WebPage::connectView()
             [this](const PageContext& context, const QPoint& position) {
                 m_delegate.pageWantsMenu(context, position);
             });
+    connect(&m_place.view(), &WebView::escapePressed, this, &WebPage::leaveFullScreen);
     connect(&m_place.view(), &WebView::pressed, &m_heartbeat, &WebHeartbeat::check);
 }
 
-void WebPage::read(int level, const QString& text)
+void WebPage::read(int level, const QString& text, int line, const QString& source)
 {
     using Kind = WebBridge::Message::Kind;
     const auto message = WebBridge::read(m_key, text);
     if (!message) {
-        m_console.addNative(level, text);
+        m_console.addNative(level, text, line, source);
         return;
     }
     if (message->kind == Kind::Hello) {
-        meetDocument(QUrl(message->text));
+        m_navigation.meet(QUrl(message->text));
+    } else if (message->kind == Kind::Muted) {
+        m_console.expectMuted();
     } else if (message->kind == Kind::Log) {
         m_console.add(message->level, message->text);
     } else {
@@ -164,20 +170,16 @@ void WebPage::read(int level, const QString& text)
     }
 }
 
-void WebPage::meetDocument(const QUrl& url)
+void WebPage::forgetDocument()
 {
     const QPointer<WebPage> self(this);
     m_calls.endAll({PageScriptError::Kind::Navigated});
-    if (!self)
-        return;
-    m_questions.withdrawAll();
+    if (self)
+        m_questions.withdrawAll();
     if (!self)
         return;
     m_heartbeat.restart();
     m_contents.setZoomFactor(m_zoom);
-    // The place of a page that failed is taken by an empty one of the engine's.
-    if (self && url.scheme() != QStringLiteral("chrome-error"))
-        m_navigation.commit(url);
 }
 
 void WebPage::endWithProcess()
@@ -274,6 +276,12 @@ void WebPage::find(const QString& text, FindDirection direction,
 void WebPage::perform(PageAction action)
 {
     m_contents.triggerAction(actionFor(action));
+}
+
+void WebPage::leaveFullScreen()
+{
+    if (m_isFullScreen)
+        m_contents.triggerAction(QWebEnginePage::ExitFullScreen);
 }
 
 void WebPage::answer(quint64 question, const PageAnswer& answer)

@@ -8,6 +8,7 @@
 #include "Web/WebPictures.h"
 #include "Web/WebPlace.h"
 #include "Web/WebQuestions.h"
+#include "Web/WebRequests.h"
 
 #include <QPointer>
 
@@ -49,6 +50,7 @@ public:
     void find(const QString& text, FindDirection direction,
               std::function<void(int active, int count)> done) override;
     void perform(PageAction action) override;
+    void leaveFullScreen() override;
     void answer(quint64 question, const PageAnswer& answer) override;
     void terminate() override;
     void inspect() override;
@@ -62,8 +64,8 @@ private:
     void connectNavigation();
     void connectContents();
     void connectView();
-    void read(int level, const QString& text);
-    void meetDocument(const QUrl& url);
+    void read(int level, const QString& text, int line, const QString& source);
+    void forgetDocument();
     void followQuestions();
     void endWithProcess();
     void showIcon(const QIcon& icon);
@@ -79,9 +81,11 @@ private:
     WebCalls m_calls;
     WebPictures m_pictures;
     WebHeartbeat m_heartbeat;
+    WebRequests m_requests;
     QPointer<WebInspector> m_inspector;
     std::function<void(int, int)> m_found; ///< Of the search that is under way.
     double m_zoom = 1;
+    bool m_isFullScreen = false;
 };
 
 } // namespace Bralto

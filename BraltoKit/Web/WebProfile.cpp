@@ -33,8 +33,9 @@ void restrict(QWebEngineSettings& settings)
     // A window that a page asks for is a load in its own tab, which a tool's click may ask for too.
     settings.setAttribute(Settings::JavascriptCanOpenWindows, true);
     settings.setAttribute(Settings::FullScreenSupportEnabled, true);
-    // The program has a page of its own for what went wrong.
-    settings.setAttribute(Settings::ErrorPageEnabled, false);
+    // The program has a page of its own for what went wrong, but the engine's gives it a place in
+    // the history, from which one goes back to where one was.
+    settings.setAttribute(Settings::ErrorPageEnabled, true);
     settings.setUnknownUrlSchemePolicy(Settings::AllowUnknownUrlSchemesFromUserInteraction);
 }
 

@@ -45,6 +45,34 @@ TEST(JsonReader, TakesObjectsOnly)
     }
 }
 
+TEST(JsonReader, TakesAnyValueThatIsAskedFor)
+{
+    JsonReader reader;
+
+    EXPECT_EQ(reader.value("1")->integer(), 1);
+    EXPECT_EQ(reader.value(" \"a\" ")->string(), "a");
+    EXPECT_TRUE(reader.value("null")->isNull());
+    EXPECT_FALSE(reader.value("0")->isNull());
+    EXPECT_EQ(reader.value("[1,2]")->array()->size(), 2);
+    EXPECT_EQ(reader.value("123456789012345678901234567890")->number(), 1.2345678901234568e29);
+    EXPECT_EQ(reader.value("\"\\ud800\"")->string(), "\xef\xbf\xbd");
+}
+
+TEST(JsonReader, SaysWhyATextIsNoValue)
+{
+    JsonReader reader;
+
+    for (const std::string& text :
+         {std::string(), std::string(" "), std::string("nonsense"), std::string("1 2"),
+          std::string("{\"a\":1"), std::string("\"\xff\""), std::string("1e999"),
+          std::string("\0\0", 2), nested(5000)}) {
+        SCOPED_TRACE(text.substr(0, 40));
+        const auto value = reader.value(text);
+        ASSERT_FALSE(value);
+        EXPECT_FALSE(value.error().isEmpty());
+    }
+}
+
 TEST(JsonReader, ReadsOneTextAfterAnother)
 {
     JsonReader reader;

@@ -320,6 +320,7 @@ TEST_F(BrowserTabTest, APageThatEndedComesBackWithAReload)
     EXPECT_EQ(page().told, QStringList{"terminate"});
     told().pageEnded();
     EXPECT_TRUE(tab->hasEnded());
+    EXPECT_TRUE(tab->errorMessage());
     EXPECT_TRUE(tab->responds());
 
     tab->reload();

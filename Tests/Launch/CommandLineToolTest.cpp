@@ -75,10 +75,8 @@ TEST_F(CommandInAProcess, ALinkThatNobodyTakesEndsWithOne)
     EXPECT_EQ(errors(), "Couldn’t deliver the link: com.tolvane.bralto isn’t running.\n");
 }
 
-TEST_F(CommandInAProcess, OptionsThatAreNotThereYetEndWithTwo)
+TEST_F(CommandInAProcess, AnOptionThatIsNotThereYetEndsWithTwo)
 {
-    EXPECT_EQ(run({"--mcp"}), 2);
-    EXPECT_EQ(errors(), "Bralto: --mcp is not available in this version.\n");
     EXPECT_EQ(run({"--render-icon", "/bad/path"}), 2);
     EXPECT_EQ(errors(), "Bralto: --render-icon is not available in this version.\n");
 }

@@ -149,6 +149,22 @@ TEST_F(ProgramChatHostTest, NamesNoBundleOutsideOne)
     EXPECT_EQ(PaneEnvironment::value(environment, "BRALTO_BUNDLE_ID"), std::nullopt);
 }
 
+TEST_F(ProgramChatHostTest, TellsAnAgentOfTheBrowserToolsWhereItCanStartTheirServer)
+{
+    EXPECT_EQ(host().mcpConfigFlags(), QStringList());
+
+    write("Bralto.app/Contents/MacOS/Bralto", "#!");
+    LaunchRole role;
+    role.bundlePath = m_home.filePath("Bralto.app");
+    role.hostExecutable = m_home.filePath("Bralto.app/Contents/MacOS/Bralto");
+    EXPECT_EQ(host(role).mcpConfigFlags(), QStringList()); // It can't be run.
+
+    QFile::setPermissions(role.hostExecutable, QFile::ReadOwner | QFile::ExeOwner);
+    const QString config = AppPaths(m_home.path()).mcpConfig();
+    EXPECT_EQ(host(role).mcpConfigFlags(), (QStringList{"--mcp-config", config}));
+    EXPECT_TRUE(host(role).readFile(config)->contains(role.hostExecutable.toUtf8()));
+}
+
 TEST_F(ProgramChatHostTest, StartsTheAgentInAShellThatIsThere)
 {
     const QString expected = QFile::exists("/bin/zsh") ? "/bin/zsh" : "/bin/bash";

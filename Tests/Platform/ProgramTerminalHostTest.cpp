@@ -44,6 +44,10 @@ TEST_F(HostOfTerminals, WritesTheLineThatStartsTheAgent)
 
     EXPECT_EQ(host().claudeCommand("abc"), "claude --chrome --resume abc");
     EXPECT_EQ(host().claudeCommand("def"), "claude --chrome --session-id def");
+
+    chats.mcpFlags = {"--mcp-config", "/home/user/it's/mcp.json"};
+    EXPECT_EQ(host().claudeCommand("def"), "claude --chrome '--mcp-config' "
+                                           "'/home/user/it'\\''s/mcp.json' --session-id def");
 }
 
 TEST_F(HostOfTerminals, TellsThatAPaneWaitsForNothing)

@@ -64,6 +64,7 @@ public:
     }
     void perform(PageAction action) override { actions.push_back(action); }
     void answer(quint64 question, const PageAnswer& answer) override { answers[question] = answer; }
+    void leaveFullScreen() override { told << "leave full screen"; }
     void terminate() override { told << "terminate"; }
     void inspect() override { told << "inspect"; }
 

@@ -59,6 +59,9 @@ public:
         return QUrl(QStringLiteral("http://%1:%2%3").arg(host).arg(port()).arg(path));
     }
 
+    /// Refuses connections from now on.
+    void close() { m_server.close(); }
+
     void route(const QString& path, Handler handler) { m_routes[path] = std::move(handler); }
     void page(const QString& path, const QByteArray& html)
     {

@@ -4,11 +4,18 @@
 #include "Tests/Support/SiteServer.h"
 #include "Web/WebEngines.h"
 
+#include <QBuffer>
+#include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QImage>
+#include <QJsonArray>
+#include <QMouseEvent>
 #include <QPoint>
+#include <QRegularExpression>
 #include <QTimer>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 
@@ -129,6 +136,20 @@ protected:
             return {};
         }
         return result.error();
+    }
+    /// Presses and releases the left button on the page, which is on a shown window.
+    void click(QPoint at, Qt::MouseButton button = Qt::LeftButton)
+    {
+        // The page draws before it takes clicks.
+        value(QStringLiteral("await new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))"));
+        QWidget* target = page->widget()->focusProxy();
+        target = target && target->focusProxy() ? target->focusProxy() : target;
+        ASSERT_NE(target, nullptr);
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(type, at, target->mapToGlobal(at), button,
+                              type == QEvent::MouseButtonPress ? button : Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(target, &event);
+        }
     }
     QImage picture(PageExtent extent)
     {

@@ -1,6 +1,7 @@
 #include "Tools/ViewGallery/SampleProject.h"
 
 #include "Projects/ProjectUse.h"
+#include "Tools/ViewGallery/SamplePage.h"
 #include "Views/Chat/ChatView.h"
 #include "Views/Terminal/TerminalView.h"
 
@@ -127,6 +128,10 @@ std::vector<Recent> recents()
 
 SampleProject::SampleProject(const SpaceTheme& look)
 {
+    m_harness.browser.dress = [this](FakePage& page) {
+        m_pages.push_back(std::make_unique<SamplePage>());
+        page.shown = m_pages.back().get();
+    };
     // Paths show with "~", as they do in a home folder.
     qputenv("HOME", m_harness.home().toUtf8());
     writeFiles();
@@ -181,7 +186,7 @@ ViewServices SampleProject::open(Where where, Theme::System system)
         project = folder("tidal-api");
     else if (where == Where::VanishedProject)
         project = folder("gone");
-    m_workspace = m_harness.make(project, Pages::Unavailable);
+    m_workspace = m_harness.make(project, Pages::Available);
     m_zoom = std::make_unique<Zoom>(m_harness.shared);
     m_theme = std::make_unique<Theme>(system, m_workspace->space());
     m_where = where;
@@ -199,7 +204,8 @@ ViewServices SampleProject::services(Where where)
             .zoom = *m_zoom,
             .role = where == Where::Home ? WindowLayout::Role::HomeApplication
                                          : WindowLayout::Role::FolderApplication,
-            .makePane = [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); }};
+            .makePane = [this](ConsolePane& pane, Theme& look) { return makePane(pane, look); },
+            .servers = &m_servers};
 }
 
 void SampleProject::openTabs()
@@ -209,6 +215,23 @@ void SampleProject::openTabs()
     m_workspace->toggleExpanded(root + "/tests");
     for (const char* file : {"/README.md", "/src/routes.cpp", "/src/tide_store.cpp"})
         m_workspace->openFile(root + file);
+}
+
+FakePage& SampleProject::openPage()
+{
+    m_workspace->insertPage(QUrl("http://localhost:8080/stations"));
+    FakePage& page = *m_harness.browser.alive.back();
+    page.name = "Tidal API – Stations";
+    page.back = true;
+    page.loaded = 0.68;
+    page.delegate.pageChanged();
+    return page;
+}
+
+void SampleProject::openBlankTab(std::vector<LocalServer> servers)
+{
+    m_servers.found = std::move(servers);
+    m_workspace->insertPage({});
 }
 
 QWidget* SampleProject::makePane(ConsolePane& pane, Theme& look)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Browser/LocalServers.h"
 #include "Chat/ChatFileIndex.h"
 #include "Tests/Support/WorkspaceHarness.h"
 #include "Views/ViewServices.h"
 
 #include <span>
+#include <vector>
 
 namespace Bralto {
 
@@ -23,6 +25,10 @@ public:
     [[nodiscard]] Theme& theme() const { return *m_theme; }
     /// Opens the tabs of the sample, the second file active.
     void openTabs();
+    /// A tab with a page that has come half of its way; the page itself.
+    FakePage& openPage();
+    /// A blank tab, and servers that run.
+    void openBlankTab(std::vector<LocalServer> servers);
     /// A conversation and a shell side by side, and a tab with another shell.
     void openConsole();
     /// A tab with a shell for each of the themes, which shows what a terminal of it looks like.
@@ -37,7 +43,18 @@ private:
     void writeRecents();
     [[nodiscard]] QString folder(const QString& name) const;
 
+    class SampleServers final : public LocalServers {
+    public:
+        void scan(std::function<void(const std::vector<LocalServer>&)> done) override
+        {
+            done(found);
+        }
+        std::vector<LocalServer> found;
+    };
+
     WorkspaceHarness m_harness;
+    SampleServers m_servers;
+    std::vector<std::unique_ptr<QWidget>> m_pages; ///< What the pages show.
     ChatFileIndex m_files;
     Motion m_motion{m_harness.scheduler()};
     std::unique_ptr<Zoom> m_zoom;

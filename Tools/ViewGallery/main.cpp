@@ -7,6 +7,8 @@
 
 #include "Tools/ViewGallery/SampleProject.h"
 
+#include "Views/Browser/BrowserScreen.h"
+#include "Views/Browser/PageFindBar.h"
 #include "Views/Console/ConsoleHead.h"
 #include "Views/Console/GroupChip.h"
 #include "Views/Console/PaneStyleEditor.h"
@@ -122,6 +124,93 @@ void withSplit(SampleProject& project)
     project.workspace().toggleSplit();
 }
 
+void withPageBeside(SampleProject& project)
+{
+    Workspace& workspace = project.workspace();
+    workspace.openFile(workspace.root()->path() + "/README.md");
+    const WorkspaceTab text = *workspace.activeTab();
+    project.openPage();
+    const WorkspaceTab page = *workspace.activeTab();
+    workspace.activate(text);
+    workspace.openInSplit(page);
+}
+
+void withBlankTab(SampleProject& project)
+{
+    project.openTabs();
+    project.openBlankTab({});
+}
+
+void withServers(SampleProject& project)
+{
+    project.openBlankTab({{3000, "/home/me/nimbus-web"}, {8080, "/home/me/tidal-api"}});
+}
+
+void withFailure(SampleProject& project)
+{
+    project.openPage().delegate.pageFailed({.text = "localhost refused to connect."});
+}
+
+void withCertificate(SampleProject& project)
+{
+    project.openPage().delegate.pageFailed(
+        {PageLoadError::Kind::Certificate, "The certificate of localhost isn’t trusted."});
+}
+
+void withEndedPage(SampleProject& project)
+{
+    project.openPage().delegate.pageEnded();
+}
+
+/// A page that is there, asked something.
+void withQuestion(SampleProject& project, const PageQuestion& question)
+{
+    FakePage& page = project.openPage();
+    page.finish("Tidal API – Stations");
+    page.delegate.pageAsked(question);
+}
+
+void withPrompt(SampleProject& project)
+{
+    withQuestion(project, {.id = 1,
+                           .kind = PageQuestion::Kind::Prompt,
+                           .origin = "http://localhost:8080",
+                           .text = "What should the new station be called?",
+                           .suggestion = "North Pier"});
+}
+
+void withPermission(SampleProject& project)
+{
+    withQuestion(project, {.id = 1,
+                           .kind = PageQuestion::Kind::Permission,
+                           .origin = "http://localhost:8080",
+                           .text = "know your location"});
+}
+
+void withLogin(SampleProject& project)
+{
+    withQuestion(project, {.id = 1,
+                           .kind = PageQuestion::Kind::Login,
+                           .origin = "http://localhost:8080",
+                           .text = "Tide tables"});
+}
+
+void withStuckPage(SampleProject& project)
+{
+    FakePage& page = project.openPage();
+    page.finish("Tidal API – Stations");
+    page.delegate.pageResponds(false);
+    page.delegate.pageHovered(QUrl("http://localhost:8080/stations/8443970?unit=m"));
+}
+
+void withActingTool(SampleProject& project)
+{
+    project.openTabs();
+    project.openPage().finish("Tidal API – Stations");
+    static std::shared_ptr<void> acting;
+    acting = project.workspace().visibleBrowser()->markActing("screenshot");
+}
+
 std::vector<Shot> shots()
 {
     using enum SpaceColor;
@@ -146,6 +235,19 @@ std::vector<Shot> shots()
         {"editor-dark", Slate, true, {1180, 780}, Where::Project, withTabs},
         {"split-dark", Plum, true, {1280, 800}, Where::Project, withSplit},
         {"split-light", Mint, false, {1280, 800}, Where::Project, withSplit},
+        {"browser-split-dark", Plum, true, {1280, 800}, Where::Project, withPageBeside},
+        {"browser-split-light", Mint, false, {1280, 800}, Where::Project, withPageBeside},
+        {"browser-start-dark", Harbour, true, {1180, 780}, Where::Project, withServers},
+        {"browser-start-light", Coral, false, {1180, 780}, Where::Project, withBlankTab},
+        {"browser-failed-dark", Sky, true, {1180, 780}, Where::Project, withFailure},
+        {"browser-failed-light", Lemon, false, {640, 420}, Where::Project, withCertificate},
+        {"browser-ended", Slate, true, {1180, 780}, Where::Project, withEndedPage},
+        {"browser-prompt-dark", Harbour, true, {1180, 780}, Where::Project, withPrompt},
+        {"browser-prompt-light", Coral, false, {640, 420}, Where::Project, withPrompt},
+        {"browser-permission", Harbour, true, {1180, 780}, Where::Project, withPermission},
+        {"browser-login", Mint, false, {1180, 780}, Where::Project, withLogin},
+        {"browser-stuck", Plum, true, {1180, 780}, Where::Project, withStuckPage},
+        {"browser-acting", Harbour, true, {1180, 780}, Where::Project, withActingTool},
         {"overview-dark", Harbour, true, {1180, 780}, Where::Project, nullptr},
         {"overview-light", Pebble, false, {640, 420}, Where::Project, nullptr},
         {"home-dark", Harbour, true, {1180, 780}, Where::Home, nullptr},

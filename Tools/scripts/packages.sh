@@ -1,8 +1,19 @@
 # Sourced by run.sh, test.sh and .ci/run: `install_packages` installs from packages.txt what is missing.
 
+# The packages of packages.txt, one a line, without those whose command is there already.
+wanted_packages() {
+    local entry rest
+    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' packages.txt | while read -r entry rest; do
+        case $entry in
+        *"|"*) command -v "${entry#*|}" >/dev/null || echo "${entry%%|*}" ;;
+        *) echo "$entry" ;;
+        esac
+    done
+}
+
 install_packages() {
     local wanted missing
-    wanted=$(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' packages.txt | awk '{print $1}')
+    wanted=$(wanted_packages)
     # dpkg-query lists what it knows; whatever is not "installed" in its answer is missing.
     missing=$(comm -23 <(sort -u <<<"$wanted") \
         <(dpkg-query -W -f='${Package} ${db:Status-Status}\n' $wanted 2>/dev/null | awk '$2 == "installed" {print $1}' | sort -u))
@@ -22,6 +33,26 @@ install_packages() {
         return 1
     fi
     rm -f "$log"
+}
+
+# Installs what FOLDER/package-lock.json names, and no scripts of theirs run: into build/node, once
+# for each state of that file.
+install_node_packages() {
+    local folder=$1 place
+    place=build/node/$(basename "$folder")
+    cmp -s "$folder/package-lock.json" "$place/installed-lock.json" && return 0
+    mkdir -p "$place"
+    cp "$folder/package.json" "$folder/package-lock.json" "$place/"
+    local log
+    log=$(mktemp)
+    if (cd "$place" && npm ci --ignore-scripts --no-audit --no-fund) >"$log" 2>&1; then
+        cp "$folder/package-lock.json" "$place/installed-lock.json"
+        rm -f "$log"
+        return 0
+    fi
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
 }
 
 # Configures the preset once and builds the targets that are named after it, or everything.

@@ -56,6 +56,7 @@ BrowserBar::BrowserBar(const ViewServices& services, BrowserTab& tab, QWidget* p
     connect(&m_lingering, &QTimer::timeout, this, &BrowserBar::showActing);
     m_tool->hide();
     refresh();
+    showActing();
 }
 
 IconButton* BrowserBar::addButton(const QString& symbol, const QString& tip, const QString& keys)

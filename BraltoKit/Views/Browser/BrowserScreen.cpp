@@ -54,6 +54,7 @@ BrowserScreen::BrowserScreen(const ViewServices& services, const WorkspaceTab& t
     connect(m_question, &PageQuestionCard::questionShown, this, &BrowserScreen::showQuestion);
     connect(m_question, &PageQuestionCard::answered, this,
             [this] { setFocus(Qt::OtherFocusReason); });
+    m_link->setText(page.hoveredLink().toDisplayString());
     addShortcuts();
     adoptPage();
 }
@@ -154,16 +155,14 @@ void BrowserScreen::rebuildPlace()
         m_place = nullptr;
     }
     const BrowserTab& page = tab();
-    const bool hasFailed = page.errorMessage().has_value();
-    if (page.url().isEmpty() || (!hasFailed && !page.hasEnded()))
+    if (page.url().isEmpty() || !page.errorMessage())
         return;
     m_place = new Place(theme(), this);
     m_place->setSymbol(QStringLiteral("globe"));
-    m_place->setTitle(hasFailed ? *page.errorMessage() : tr("This page has stopped."),
-                      TextRole::CardTitle);
+    m_place->setTitle(*page.errorMessage(), TextRole::CardTitle);
     m_place->setText(page.url().toDisplayString());
     auto* again = new TextButton(theme(), TextButton::Kind::Plain,
-                                 hasFailed ? tr("Try Again") : tr("Reload"), m_place);
+                                 page.hasEnded() ? tr("Reload") : tr("Try Again"), m_place);
     again->setSymbol(QStringLiteral("arrow.clockwise"));
     connect(again, &TextButton::clicked, &page, [this] { tab().reload(); });
     m_place->addButton(again);

@@ -152,8 +152,6 @@ void PageQuestionCard::placeIn(const QRect& area)
     setGeometry(area.center().x() - wide / 2 - Shadow, area.top() + Measure::Space3 - Shadow,
                 wide + 2 * Shadow, high + 2 * Shadow);
     m_body->setGeometry(Shadow, Shadow, wide, high);
-    // A press beside the card belongs to the page.
-    setMask(QRegion(rect().adjusted(Shadow / 2, Shadow / 2, -Shadow / 2, -Shadow / 2)));
 }
 
 void PageQuestionCard::keyPressEvent(QKeyEvent* event)

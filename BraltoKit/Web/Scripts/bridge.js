@@ -1,7 +1,8 @@
 // The program's side door into a document: runs its functions and carries their results out.
 // Runs first in every document. What it needs of the page's world it takes before the page can
 // change it. `braltoKey` is known to the program and to the functions in this file alone.
-/* global braltoKey */
+// `braltoIsFirst` is false in a document that was there before.
+/* global braltoKey, braltoIsFirst */
 
 const braltoSay = console.debug.bind(console);
 const braltoPost = (kind, head, text) => braltoSay(`\x01${braltoKey}${kind}${head}\n${text}`);
@@ -41,7 +42,8 @@ if (self === top) {
     } catch {
       message = "An error without a text";
     }
-    braltoPost("e", id, stringify([name, message]));
+    // As strings: an object may have a form of the page's making.
+    braltoPost("e", id, `[${stringify(name)},${stringify(message)}]`);
   };
 
   const door = freeze({
@@ -58,5 +60,5 @@ if (self === top) {
   });
   const open = (key) => (key === braltoKey ? door : undefined);
   defineProperty(self, Symbol.for("bralto"), { value: open });
-  braltoPost("h", "", location.href);
+  if (braltoIsFirst) braltoPost("h", "", location.href);
 }

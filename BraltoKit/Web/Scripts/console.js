@@ -55,7 +55,12 @@ if (!window.__braltoConsole) {
         post("error", [`Failed to load ${target.tagName.toLowerCase()} ${source}`]);
         return;
       }
-      if (event.filename && event.filename.startsWith(OWN_SCRIPT)) return;
+      // An error in a script of another origin: the engine knows more than it says here.
+      if (!event.filename && !event.error) {
+        braltoPost("m", "", "");
+        return;
+      }
+      if (event.filename.startsWith(OWN_SCRIPT)) return;
       const message = String(event.message).replace(/^Uncaught /, "");
       const text = (event.error && event.error.stack) || message;
       const place = event.filename ? ` (${event.filename}:${event.lineno}:${event.colno})` : "";
