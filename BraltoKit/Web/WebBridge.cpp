@@ -71,10 +71,12 @@ QString newKey()
         QByteArray(reinterpret_cast<const char*>(words), sizeof words).toHex());
 }
 
-QString documentScript(const QString& key, Arrival arrival)
+QString documentScript(const Keys& keys, Arrival arrival)
 {
-    static const QString scripts = resource("bridge.js") + resource("console.js");
-    return QStringLiteral("(() => {\n\"use strict\";\nconst braltoKey = ") + quoted(key) +
+    static const QString scripts = 
+        resource("bridge.js") + resource("console.js") + resource("dialogs.js");
+    return QStringLiteral("(() => {\n\"use strict\";\nconst braltoKey = ") +
+           quoted(keys.bridge) + QStringLiteral(";\nconst braltoAskKey = ") + quoted(keys.ask) +
            QStringLiteral(";\nconst braltoIsFirst = ") +
            (arrival == Arrival::First ? QStringLiteral("true;\n") : QStringLiteral("false;\n")) +
            scripts + QStringLiteral("})();");

@@ -10,12 +10,17 @@
 /// come out through the document's console, marked with a key that the page doesn't know.
 namespace Bralto::WebBridge {
 
-/// A fresh key for one page.
+/// What only the program and its own scripts in a page know.
 [[nodiscard]] QString newKey();
+
+struct Keys {
+    QString bridge = newKey(); ///< Marks messages and opens the door.
+    QString ask = newKey();    ///< Lets a document ask the user; a page can find it out.
+};
 
 /// Runs in every frame before any script of the page; `Late` in a document that has none yet.
 enum class Arrival { First, Late };
-[[nodiscard]] QString documentScript(const QString& key, Arrival arrival = Arrival::First);
+[[nodiscard]] QString documentScript(const Keys& keys, Arrival arrival = Arrival::First);
 
 /// Whether `name` can name a parameter, reserved words apart.
 [[nodiscard]] bool isArgumentName(const QString& name);

@@ -53,10 +53,10 @@ PageScriptError syntaxError(const QString& nameAndMessage)
 
 } // namespace
 
-WebCalls::WebCalls(QWebEnginePage& page, const QString& key, QObject* parent)
+WebCalls::WebCalls(QWebEnginePage& page, const WebBridge::Keys& keys, QObject* parent)
     : QObject(parent)
     , m_page(page)
-    , m_key(key)
+    , m_keys(keys)
 {
 }
 
@@ -112,7 +112,7 @@ void WebCalls::check(quint64 id, const PageScript& script)
             if (!text.isEmpty())
                 self->end(id, Unexpected{syntaxError(text)});
             else
-                self->run(id, WebBridge::start(self->m_key, id, script.body, script.arguments));
+                self->run(id, WebBridge::start(self->m_keys.bridge, id, script.body, script.arguments));
         });
 }
 
@@ -134,7 +134,7 @@ void WebCalls::run(quint64 id, const QString& text, bool isSecondTry)
                 return;
             }
             // The first, empty document of a page, for example, comes without.
-            self->m_page.runJavaScript(WebBridge::documentScript(self->m_key, WebBridge::Arrival::Late),
+            self->m_page.runJavaScript(WebBridge::documentScript(self->m_keys, WebBridge::Arrival::Late),
                                        QWebEngineScript::MainWorld);
             self->run(id, text, true);
         });
@@ -143,7 +143,7 @@ void WebCalls::run(quint64 id, const QString& text, bool isSecondTry)
 void WebCalls::awaitFrame(std::chrono::milliseconds timeout, Done done)
 {
     const quint64 id = add(timeout, std::move(done));
-    run(id, WebBridge::nextFrame(m_key, id));
+    run(id, WebBridge::nextFrame(m_keys.bridge, id));
 }
 
 void WebCalls::read(const WebBridge::Message& message)

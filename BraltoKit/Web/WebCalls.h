@@ -18,7 +18,7 @@ class WebCalls final : public QObject {
 public:
     using Done = std::function<void(PageScriptResult)>;
 
-    WebCalls(QWebEnginePage& page, const QString& key, QObject* parent);
+    WebCalls(QWebEnginePage& page, const WebBridge::Keys& keys, QObject* parent);
     ~WebCalls() override; ///< Ends them all.
 
     void call(const PageScript& script, std::chrono::milliseconds timeout, Done done);
@@ -52,7 +52,7 @@ private:
     void end(quint64 id, const PageScriptResult& result);
 
     QWebEnginePage& m_page;
-    QString m_key;
+    const WebBridge::Keys m_keys;
     quint64 m_lastId = 0;
     std::map<quint64, Call> m_calls;
 };

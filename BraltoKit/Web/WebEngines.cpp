@@ -25,7 +25,9 @@ QWebEngineProfile& WebEngines::profile()
 {
     if (!m_profile) {
         WebEnvironment::prepare(m_settings.isDark);
+        WebAsking::registerScheme();
         m_profile = WebProfile::make(m_settings);
+        m_profile->installUrlSchemeHandler(WebAsking::Scheme, &m_asking);
     }
     return *m_profile;
 }

@@ -2,6 +2,7 @@
 
 #include "Browser/PageEngine.h"
 #include "Browser/PageProfile.h"
+#include "Web/WebAsking.h"
 #include "Web/WebCertificates.h"
 #include "Web/WebPictures.h"
 
@@ -34,6 +35,7 @@ public:
     // For the pages
     [[nodiscard]] QWebEngineProfile& profile(); ///< Made, with all of the engine, at the first use.
     [[nodiscard]] WebCertificates& certificates() { return m_certificates; }
+    [[nodiscard]] WebAsking& asking() { return m_asking; }
     [[nodiscard]] WebTurns& turns() { return m_turns; }
     [[nodiscard]] const WebLimits& limits() const { return m_limits; }
     [[nodiscard]] bool isDark() const { return m_settings.isDark; }
@@ -44,6 +46,7 @@ private:
     const PageProfile m_settings;
     const WebLimits m_limits;
     WebCertificates m_certificates;
+    WebAsking m_asking;
     WebTurns m_turns;
     std::unique_ptr<QWebEngineProfile> m_profile;
     std::vector<QPointer<QObject>> m_retired; ///< All must go before the profile.

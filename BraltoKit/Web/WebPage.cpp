@@ -19,14 +19,14 @@ constexpr QColor DarkPaper{0x1e, 0x1e, 0x1e};
 constexpr int LargestIcon = 32;
 constexpr int SmallestIcon = 16;
 
-QWebEngineScript scriptFor(const QString& key)
+QWebEngineScript scriptFor(const WebBridge::Keys& keys)
 {
     QWebEngineScript script;
     script.setName(QStringLiteral("bralto"));
     script.setInjectionPoint(QWebEngineScript::DocumentCreation);
     script.setWorldId(QWebEngineScript::MainWorld);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(WebBridge::documentScript(key));
+    script.setSourceCode(WebBridge::documentScript(keys));
     return script;
 }
 
@@ -58,17 +58,17 @@ QWebEnginePage::WebAction actionFor(PageAction action)
 WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
     : m_engines(engines)
     , m_delegate(delegate)
-    , m_key(WebBridge::newKey())
     , m_questions(delegate)
     , m_contents(*new WebContents(&engines.profile(), m_questions))
     , m_navigation(m_contents, engines.certificates(), engines.limits().answer, this)
     , m_console(delegate, this)
-    , m_calls(m_contents, m_key, this)
+    , m_calls(m_contents, m_keys, this)
     , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
     , m_heartbeat(m_contents, engines.limits().patience, this)
     , m_requests(m_contents, m_questions, delegate, this)
 {
-    m_contents.scripts().insert(scriptFor(m_key));
+    engines.asking().add(m_keys.ask, m_questions);
+    m_contents.scripts().insert(scriptFor(m_keys));
     setDark(engines.isDark());
     m_place.view().setPage(&m_contents);
     connectNavigation();
@@ -150,7 +150,7 @@ void WebPage::connectView()
 void WebPage::read(int level, const QString& text, int line, const QString& source)
 {
     using Kind = WebBridge::Message::Kind;
-    const auto message = WebBridge::read(m_key, text);
+    const auto message = WebBridge::read(m_keys.bridge, text);
     if (!message) {
         m_console.addNative(level, text, line, source);
         return;

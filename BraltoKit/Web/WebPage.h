@@ -72,7 +72,7 @@ private:
 
     WebEngines& m_engines;
     PageDelegate& m_delegate;
-    const QString m_key; ///< Marks what the page's documents tell the program.
+    const WebBridge::Keys m_keys;
     WebQuestions m_questions;
     WebContents& m_contents; ///< Goes in a later turn than this object.
     WebPlace m_place;

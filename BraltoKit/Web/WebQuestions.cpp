@@ -36,7 +36,7 @@ PageAnswer WebQuestions::ask(PageQuestion question)
         result = answer;
         isOver = true;
     };
-    m_open.push_back({question, answered, &loop});
+    m_open.push_back({question, answered, {}, &loop});
     emit changed();
     m_delegate.pageAsked(question);
     // The delegate may have answered, or have closed the page, at once.
@@ -48,11 +48,12 @@ PageAnswer WebQuestions::ask(PageQuestion question)
     return result;
 }
 
-quint64 WebQuestions::ask(PageQuestion question, std::function<void(const PageAnswer&)> answered)
+quint64 WebQuestions::ask(PageQuestion question, std::function<void(const PageAnswer&)> answered,
+                          std::function<void()> withdrawn)
 {
     question.id = ++m_lastId;
     const quint64 id = question.id;
-    m_open.push_back({question, std::move(answered)});
+    m_open.push_back({question, std::move(answered), std::move(withdrawn)});
     emit changed();
     m_delegate.pageAsked(question);
     return id;
@@ -76,10 +77,12 @@ void WebQuestions::withdraw(quint64 question)
     const auto found = find(question);
     if (found == m_open.end())
         return;
-    QEventLoop* loop = found->loop;
+    const Open open = std::move(*found);
     m_open.erase(found);
-    if (loop)
-        loop->quit();
+    if (open.withdrawn)
+        open.withdrawn();
+    if (open.loop)
+        open.loop->quit();
     emit changed();
     m_delegate.pageWithdrew(question);
 }

@@ -23,8 +23,9 @@ public:
     /// Waits for the answer, which is no if the question is withdrawn. This object may be gone
     /// once it returns.
     [[nodiscard]] PageAnswer ask(PageQuestion question);
-    /// `answered` is called once, unless the question is withdrawn. The question's id.
-    quint64 ask(PageQuestion question, std::function<void(const PageAnswer&)> answered);
+    /// One of the two is called once. The question's id.
+    quint64 ask(PageQuestion question, std::function<void(const PageAnswer&)> answered,
+                std::function<void()> withdrawn = {});
 
     void answer(quint64 question, const PageAnswer& answer);
     void withdraw(quint64 question);
@@ -42,6 +43,7 @@ private:
     struct Open {
         PageQuestion question;
         std::function<void(const PageAnswer&)> answered;
+        std::function<void()> withdrawn = {};
         QEventLoop* loop = nullptr; ///< Of who waits; null if nobody does.
     };
     [[nodiscard]] std::vector<Open>::iterator find(quint64 question);

@@ -14,17 +14,23 @@ constexpr auto Plain = "<!doctype html><title>Plain</title>Hello";
 
 class WebQuestionsTest : public WebTest {
 protected:
-    /// Has the page run `script` on its own and waits until it asks something.
-    PageQuestion questionOf(const QString& script)
+    /// What happens in the turn after a question. While a dialog is open its page waits in an event
+    /// loop of its own, so this is where a test goes on.
+    void whenAsked(const std::function<void(const PageQuestion&)>& act)
     {
-        const auto before = notes.questions.size();
+        notes.asked = [act](const PageQuestion& question) {
+            QTimer::singleShot(0, [act, question] { act(question); });
+        };
+    }
+    /// Has the page run `script` on its own.
+    void run(const QString& script)
+    {
         page->call({QStringLiteral("setTimeout(() => { %1 })").arg(script), {}},
                    std::chrono::seconds(5), [](const PageScriptResult&) {});
-        if (!spinUntil([&] { return notes.questions.size() > before; })) {
-            ADD_FAILURE() << "Nothing was asked";
-            return {};
-        }
-        return notes.questions.back();
+    }
+    bool titleBecomes(const QString& title)
+    {
+        return spinUntil([&] { return page && page->title() == title; });
     }
     QString origin() const { return QStringLiteral("http://127.0.0.1:%1").arg(site.port()); }
 };
@@ -32,16 +38,19 @@ protected:
 TEST_F(WebQuestionsTest, AnAlertWaitsUntilItIsSeen)
 {
     ASSERT_TRUE(show(Plain));
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(page->title(), QStringLiteral("Plain"));
+        page->answer(question.id, {});
+    });
 
-    const PageQuestion question = questionOf(QStringLiteral("alert('look'); document.title = 'seen'"));
+    run(QStringLiteral("alert('look'); document.title = 'seen'"));
 
-    EXPECT_EQ(question.kind, Kind::Alert);
-    EXPECT_EQ(question.text, QStringLiteral("look"));
-    EXPECT_EQ(question.origin, origin());
-    EXPECT_NE(question.id, 0U);
-    EXPECT_EQ(page->title(), QStringLiteral("Plain"));
-    page->answer(question.id, {});
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("seen"); }));
+    EXPECT_TRUE(titleBecomes(QStringLiteral("seen")));
+    ASSERT_EQ(notes.questions.size(), 1U);
+    EXPECT_EQ(notes.questions[0].kind, Kind::Alert);
+    EXPECT_EQ(notes.questions[0].text, QStringLiteral("look"));
+    EXPECT_EQ(notes.questions[0].origin, origin());
+    EXPECT_NE(notes.questions[0].id, 0U);
     EXPECT_TRUE(notes.withdrawn.empty());
 }
 
@@ -49,42 +58,45 @@ TEST_F(WebQuestionsTest, AConfirmationGivesTheAnswer)
 {
     ASSERT_TRUE(show(Plain));
     for (const bool yes : {true, false}) {
-        const PageQuestion question = questionOf(QStringLiteral("document.title = confirm('Sure?')"));
-        EXPECT_EQ(question.kind, Kind::Confirm);
+        whenAsked([this, yes](const PageQuestion& question) {
+            EXPECT_EQ(question.kind, Kind::Confirm);
+            page->answer(question.id, {yes});
+        });
 
-        page->answer(question.id, {yes});
+        run(QStringLiteral("document.title = confirm('Sure?')"));
 
-        EXPECT_TRUE(spinUntil([&] {
-            return page->title() == (yes ? QStringLiteral("true") : QStringLiteral("false"));
-        }));
+        EXPECT_TRUE(titleBecomes(yes ? QStringLiteral("true") : QStringLiteral("false")));
     }
 }
 
 TEST_F(WebQuestionsTest, APromptGivesTheText)
 {
     ASSERT_TRUE(show(Plain));
-    const PageQuestion question = questionOf(QStringLiteral("document.title = prompt('Name?', 'Ada')"));
-    EXPECT_EQ(question.kind, Kind::Prompt);
-    EXPECT_EQ(question.suggestion, QStringLiteral("Ada"));
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(question.kind, Kind::Prompt);
+        EXPECT_EQ(question.suggestion, QStringLiteral("Ada"));
+        page->answer(question.id, {true, QStringLiteral("Grace")});
+    });
+    run(QStringLiteral("document.title = prompt('Name?', 'Ada')"));
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Grace")));
 
-    page->answer(question.id, {true, QStringLiteral("Grace")});
+    whenAsked([this](const PageQuestion& question) { page->answer(question.id, {}); });
+    run(QStringLiteral("document.title = prompt('Name?', 'Ada')"));
 
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Grace"); }));
-    const PageQuestion again = questionOf(QStringLiteral("document.title = prompt('Name?', 'Ada')"));
-    page->answer(again.id, {});
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("null"); }));
+    EXPECT_TRUE(titleBecomes(QStringLiteral("null")));
 }
 
 TEST_F(WebQuestionsTest, ACallThatADialogStopsEndsWithItsText)
 {
     ASSERT_TRUE(show(Plain));
+    const PageScriptError asking{PageScriptError::Kind::Asking, {}, QStringLiteral("look")};
+    whenAsked([&](const PageQuestion& question) {
+        EXPECT_EQ(error(QStringLiteral("return 2")), asking);
+        page->answer(question.id, {});
+    });
 
-    const PageScriptError stopped = error(QStringLiteral("alert('look'); return 1"));
+    EXPECT_EQ(error(QStringLiteral("alert('look'); return 1")), asking);
 
-    EXPECT_EQ(stopped, (PageScriptError{PageScriptError::Kind::Asking, {}, QStringLiteral("look")}));
-    EXPECT_EQ(error(QStringLiteral("return 2")).kind, PageScriptError::Kind::Asking);
-    EXPECT_EQ(error(QStringLiteral("return 2")).message, QStringLiteral("look"));
-    page->answer(notes.questions.front().id, {});
     EXPECT_EQ(value(QStringLiteral("return 3")), 3);
 }
 
@@ -92,44 +104,50 @@ TEST_F(WebQuestionsTest, APageThatAsksHasAPictureOfWhatItShowedLast)
 {
     ASSERT_TRUE(show("<!doctype html><body style='background:#0f0'>"));
     ASSERT_EQ(picture(PageExtent::Visible).pixelColor(5, 5), QColor(0, 255, 0));
-    questionOf(QStringLiteral("alert('look')"));
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(picture(PageExtent::Visible).pixelColor(5, 5), QColor(0, 255, 0));
+        EXPECT_EQ(picture(PageExtent::Whole).pixelColor(5, 5), QColor(0, 255, 0));
+        page->answer(question.id, {});
+    });
 
-    EXPECT_EQ(picture(PageExtent::Visible).pixelColor(5, 5), QColor(0, 255, 0));
-    EXPECT_EQ(picture(PageExtent::Whole).pixelColor(5, 5), QColor(0, 255, 0));
+    run(QStringLiteral("alert('look'); document.title = 'seen'"));
+
+    EXPECT_TRUE(titleBecomes(QStringLiteral("seen")));
 }
 
 TEST_F(WebQuestionsTest, ALoadWithdrawsWhatThePageAsked)
 {
     ASSERT_TRUE(show(Plain));
     site.page(QStringLiteral("/next"), "<!doctype html><title>Next</title>");
-    const PageQuestion question = questionOf(QStringLiteral("alert('look')"));
+    whenAsked([this](const PageQuestion&) { page->load(site.url(QStringLiteral("/next"))); });
 
-    ASSERT_TRUE(load(site.url(QStringLiteral("/next"))));
+    run(QStringLiteral("alert('look')"));
 
-    EXPECT_EQ(notes.withdrawn, std::vector<quint64>{question.id});
-    EXPECT_EQ(page->title(), QStringLiteral("Next"));
-    page->answer(question.id, {true});
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Next")));
+    EXPECT_EQ(notes.withdrawn, std::vector<quint64>{notes.questions.at(0).id});
+    page->answer(notes.questions.at(0).id, {true});
 }
 
 TEST_F(WebQuestionsTest, TheEndOfTheProcessWithdrawsWhatThePageAsked)
 {
     ASSERT_TRUE(show(Plain));
-    const PageQuestion question = questionOf(QStringLiteral("confirm('look')"));
+    whenAsked([this](const PageQuestion&) { page->terminate(); });
 
-    page->terminate();
+    run(QStringLiteral("confirm('look')"));
 
     ASSERT_TRUE(spinUntil([this] { return notes.ends == 1; }));
-    EXPECT_EQ(notes.withdrawn, std::vector<quint64>{question.id});
+    EXPECT_EQ(notes.withdrawn.size(), 1U);
     ASSERT_TRUE(show(Plain));
 }
 
 TEST_F(WebQuestionsTest, AnEngineMayGoWhileItsPageAsks)
 {
     ASSERT_TRUE(show(Plain));
-    questionOf(QStringLiteral("confirm('look')"));
+    whenAsked([this](const PageQuestion&) { page.reset(); });
 
-    page.reset();
+    run(QStringLiteral("confirm('look')"));
 
+    ASSERT_TRUE(spinUntil([this] { return !page; }));
     EXPECT_EQ(notes.withdrawn.size(), 1U);
     page = engines.make(notes);
     ASSERT_TRUE(show(Plain));
@@ -141,9 +159,9 @@ TEST_F(WebQuestionsTest, AnEngineMayGoInTheMomentItsPageAsks)
     ASSERT_TRUE(show(Plain));
     notes.asked = [this](const PageQuestion&) { page.reset(); };
 
-    questionOf(QStringLiteral("prompt('look')"));
+    run(QStringLiteral("prompt('look')"));
 
-    EXPECT_EQ(page, nullptr);
+    EXPECT_TRUE(spinUntil([this] { return !page; }));
     EXPECT_EQ(notes.withdrawn.size(), 1U);
 }
 
@@ -152,9 +170,9 @@ TEST_F(WebQuestionsTest, AnAnswerMayComeAtOnce)
     ASSERT_TRUE(show(Plain));
     notes.asked = [this](const PageQuestion& question) { page->answer(question.id, {true}); };
 
-    questionOf(QStringLiteral("document.title = confirm('now')"));
+    run(QStringLiteral("document.title = confirm('now')"));
 
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("true"); }));
+    EXPECT_TRUE(titleBecomes(QStringLiteral("true")));
 }
 
 TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
@@ -164,13 +182,18 @@ TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
     ASSERT_TRUE(show(Plain));
     other->load(site.url(QStringLiteral("/"), QStringLiteral("localhost")));
     ASSERT_TRUE(spinUntil([&] { return !other->isLoading(); }));
-    const PageQuestion first = questionOf(QStringLiteral("document.title = confirm('first')"));
-    other->call({QStringLiteral("document.title = confirm('second')"), {}}, std::chrono::seconds(5),
-                [](const PageScriptResult&) {});
-    ASSERT_TRUE(spinUntil([&] { return otherNotes.questions.size() == 1; }));
+    otherNotes.asked = [&](const PageQuestion& question) {
+        QTimer::singleShot(0, [&, question] {
+            page->answer(notes.questions.at(0).id, {true});
+            other->answer(question.id, {true});
+        });
+    };
+    whenAsked([&](const PageQuestion&) {
+        other->call({QStringLiteral("document.title = confirm('second')"), {}}, std::chrono::seconds(5),
+                    [](const PageScriptResult&) {});
+    });
 
-    page->answer(first.id, {true});
-    other->answer(otherNotes.questions.front().id, {true});
+    run(QStringLiteral("document.title = confirm('first')"));
 
     EXPECT_TRUE(spinUntil([&] {
         return page->title() == QStringLiteral("true") && other->title() == QStringLiteral("true");
@@ -180,10 +203,10 @@ TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
 TEST_F(WebQuestionsTest, WhoeverIsNotAllowedMayNot)
 {
     ASSERT_TRUE(show(Plain));
-    const QString ask = QStringLiteral(
-        "navigator.geolocation.getCurrentPosition(() => {}, e => document.title = 'refused ' + e.code)");
-
-    const PageQuestion question = questionOf(ask);
+    run(QStringLiteral(
+        "navigator.geolocation.getCurrentPosition(() => {}, e => document.title = 'refused ' + e.code)"));
+    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
+    const PageQuestion question = notes.questions.front();
 
     EXPECT_EQ(question.kind, Kind::Permission);
     EXPECT_EQ(question.text, QStringLiteral("know your location"));
@@ -198,11 +221,14 @@ TEST_F(WebQuestionsTest, TheCameraIsAskedFor)
 {
     ASSERT_TRUE(show(Plain));
 
-    const PageQuestion question = questionOf(QStringLiteral(
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(question.text, QStringLiteral("use your camera"));
+        page->answer(question.id, {});
+    });
+
+    run(QStringLiteral(
         "navigator.mediaDevices.getUserMedia({video: true}).catch(e => document.title = e.name)"));
 
-    EXPECT_EQ(question.text, QStringLiteral("use your camera"));
-    page->answer(question.id, {});
     EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("NotAllowedError"); }));
 }
 
@@ -221,27 +247,27 @@ TEST_F(WebQuestionsTest, NotificationsAndTheScreenAreNobodys)
 TEST_F(WebQuestionsTest, ANavigationWithdrawsAPermission)
 {
     ASSERT_TRUE(show(Plain));
-    const PageQuestion question =
-        questionOf(QStringLiteral("navigator.geolocation.getCurrentPosition(() => {})"));
+    run(QStringLiteral("navigator.geolocation.getCurrentPosition(() => {})"));
+    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
 
     ASSERT_TRUE(show(Plain, QStringLiteral("/next")));
 
-    EXPECT_EQ(notes.withdrawn, std::vector<quint64>{question.id});
+    EXPECT_EQ(notes.withdrawn, std::vector<quint64>{notes.questions.front().id});
 }
 
 TEST_F(WebQuestionsTest, AServerMayAskForAName)
 {
     site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "<!doctype html><title>Inside</title>");
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(question.kind, Kind::Login);
+        EXPECT_EQ(question.text, QStringLiteral("The Vault"));
+        EXPECT_EQ(question.origin, origin());
+        page->answer(question.id, {true, QStringLiteral("ada"), QStringLiteral("secret")});
+    });
+
     page->load(site.url(QStringLiteral("/inside")));
-    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
-    const PageQuestion question = notes.questions.front();
-    EXPECT_EQ(question.kind, Kind::Login);
-    EXPECT_EQ(question.text, QStringLiteral("The Vault"));
-    EXPECT_EQ(question.origin, origin());
 
-    page->answer(question.id, {true, QStringLiteral("ada"), QStringLiteral("secret")});
-
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Inside"); }));
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Inside")));
 }
 
 TEST_F(WebQuestionsTest, WhoeverGivesNoNameSeesTheServersRefusal)
@@ -257,13 +283,13 @@ TEST_F(WebQuestionsTest, WhoeverGivesNoNameSeesTheServersRefusal)
 TEST_F(WebQuestionsTest, AnotherLoadWithdrawsALogin)
 {
     site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "x");
+    site.page(QStringLiteral("/"), Plain);
+    whenAsked([this](const PageQuestion&) { page->load(site.url()); });
+
     page->load(site.url(QStringLiteral("/inside")));
-    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
 
-    ASSERT_TRUE(show(Plain));
-
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Plain")));
     EXPECT_EQ(notes.withdrawn.size(), 1U);
-    EXPECT_EQ(page->title(), QStringLiteral("Plain"));
 }
 
 TEST_F(WebQuestionsTest, UnsavedWorkIsAskedForBeforeItIsLost)
@@ -278,16 +304,18 @@ TEST_F(WebQuestionsTest, UnsavedWorkIsAskedForBeforeItIsLost)
     click(QPoint(100, 100));
 
     site.page(QStringLiteral("/next"), Plain);
-    value(QStringLiteral("setTimeout(() => { location = '/next' })"));
+    whenAsked([this](const PageQuestion& question) {
+        EXPECT_EQ(question.kind, Kind::LeavePage);
+        page->answer(question.id, {false});
+    });
+    run(QStringLiteral("location = '/next'"));
     ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
-    EXPECT_EQ(notes.questions.front().kind, Kind::LeavePage);
-    page->answer(notes.questions.front().id, {false});
     EXPECT_EQ(value(QStringLiteral("return location.pathname")), QStringLiteral("/"));
-    value(QStringLiteral("setTimeout(() => { location = '/next' })"));
-    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 2; }));
-    page->answer(notes.questions.back().id, {true});
 
-    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Plain"); }));
+    whenAsked([this](const PageQuestion& question) { page->answer(question.id, {true}); });
+    run(QStringLiteral("location = '/next'"));
+
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Plain")));
     page->widget()->setParent(nullptr);
 }
 
