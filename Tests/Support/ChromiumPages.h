@@ -181,6 +181,7 @@ public:
     }
     void perform(PageAction) override {}
     void answer(quint64, const PageAnswer&) override {}
+    void leaveFullScreen() override {}
     void terminate() override {}
     void inspect() override {}
     [[nodiscard]] QWidget* widget() const override { return nullptr; }
