@@ -154,7 +154,7 @@ Task<> BrowserController::waitForLoad(Tab tab, Settle settle, Milliseconds timeo
 
 Task<> BrowserController::wake(Tab tab)
 {
-    if (tab->pageIfMade() || !tab->page() || tab->url().isEmpty())
+    if (tab->pageIfMade() || !pageOf(*tab))
         co_return;
     co_await waitForLoad(tab, Settle::Yes, std::chrono::seconds(15));
 }

@@ -94,7 +94,7 @@ private:
     /// With `Settle::Yes` a load that was just asked for gets the time to begin. Never fails: a
     /// page that doesn't finish is told by its summary.
     Task<> waitForLoad(Tab tab, Settle settle, Milliseconds timeout);
-    /// Makes the page of a restored tab, and waits for its first load.
+    /// Makes the page of a tab that has none yet, and waits for its first load.
     Task<> wake(Tab tab);
 
     // Pages

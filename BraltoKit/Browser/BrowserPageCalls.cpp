@@ -50,7 +50,7 @@ Task<PageScriptResult> BrowserController::callPage(Tab tab, PageScript script, M
 {
     co_await wake(tab);
     const Result<PageEngine*> page = pageOf(*tab);
-    if (!page)
+    if (!page || tab->hasEnded())
         co_return Unexpected{PageScriptError{.kind = PageScriptError::Kind::Ended}};
     const Arrival<PageScriptResult> answer;
     (*page)->call(script, timeout, bringing(answer));

@@ -34,8 +34,9 @@ QJsonValue stringOrNull(const std::optional<QString>& text)
 PageScript call(const QString& name, const QJsonObject& arguments)
 {
     const QString parameters = QStringList(arguments.keys()).join(QStringLiteral(", "));
+    // Awaited here: a promise that is returned goes through the page's own `then`.
     return {source(QStringLiteral("prelude")) + source(name) +
-                QStringLiteral("return %1({ %2 });\n").arg(name, parameters),
+                QStringLiteral("return await %1({ %2 });\n").arg(name, parameters),
             arguments};
 }
 

@@ -100,6 +100,8 @@ void WebPage::connectNavigation()
     connect(&m_logins, &WebLogins::reloadRequested, &m_navigation, &WebNavigation::reload);
     connect(&m_navigation, &WebNavigation::replaced, this, &WebPage::forgetDocument);
     connect(&m_navigation, &WebNavigation::committed, this, [this] {
+        m_hasDocument = true;
+        layPaper();
         const QPointer<WebPage> self(this);
         m_delegate.pageCommitted();
         if (self)
@@ -251,7 +253,14 @@ void WebPage::setZoomFactor(double factor)
 
 void WebPage::setDark(bool dark)
 {
-    m_contents.setBackgroundColor(dark ? DarkPaper : QColor(Qt::white));
+    m_isDark = dark;
+    layPaper();
+}
+
+void WebPage::layPaper()
+{
+    // Documents reckon with white paper; before the first one nothing should flash.
+    m_contents.setBackgroundColor(m_isDark && !m_hasDocument ? DarkPaper : QColor(Qt::white));
 }
 
 void WebPage::find(const QString& text, FindDirection direction,

@@ -70,6 +70,7 @@ private:
     void followQuestions();
     void endWithProcess();
     void showIcon(const QIcon& icon);
+    void layPaper();
 
     WebEngines& m_engines;
     PageDelegate& m_delegate;
@@ -87,6 +88,8 @@ private:
     QPointer<WebInspector> m_inspector;
     std::function<void(int, int)> m_found; ///< Of the search that is under way.
     double m_zoom = 1;
+    bool m_isDark = false;
+    bool m_hasDocument = false;
     bool m_isFullScreen = false;
 };
 

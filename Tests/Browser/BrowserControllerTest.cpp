@@ -339,6 +339,26 @@ TEST_F(BrowserControllerTest, ARestoredTabLoadsBeforeItIsLookedAt)
     EXPECT_TRUE(call->text().endsWith("\nPage: One"));
 }
 
+TEST_F(BrowserControllerTest, ACrashedPageIsNotAskedAnything)
+{
+    open("http://one.test/", "One");
+    page().delegate.pageEnded();
+
+    EXPECT_EQ(error("snapshot"),
+              "The page crashed. Use navigate with reload: true to load it again.");
+    EXPECT_TRUE(page().scripts.empty());
+}
+
+TEST_F(BrowserControllerTest, ALoadIsNotWaitedForOnceItsPageCrashed)
+{
+    const CallPtr call = start("open", {{"url", "http://one.test/"}});
+    pass(1s);
+    page().delegate.pageEnded();
+    turn();
+
+    EXPECT_TRUE(call->isDone());
+}
+
 TEST_F(BrowserControllerTest, AControllerThatGoesTakesItsToolsAlong)
 {
     const auto tab = open("http://one.test/", "One");

@@ -191,7 +191,7 @@ TEST_F(BrowserToolsTest, ASnapshotNamesItsTab)
     const CallPtr call = start("snapshot", {{"ref", "e4"}});
     EXPECT_EQ(sent(),
               (QJsonObject{{"ref", "e4"}, {"selector", QJsonValue::Null}, {"maxChars", 16000}}));
-    EXPECT_TRUE(body().endsWith("return outline({ maxChars, ref, selector });\n"));
+    EXPECT_TRUE(body().endsWith("return await outline({ maxChars, ref, selector });\n"));
     reply("Page: One");
 
     EXPECT_EQ(call->text(), "Tab " + idOf(tab) + "\nPage: One");

@@ -38,7 +38,7 @@ public:
             said += m_driver.readAll();
             m_port = started.match(QString::fromUtf8(said)).captured(1).toInt();
         }
-        QJsonArray switches{"--headless=new", "--disable-gpu", "--window-size=1280,900",
+        QJsonArray switches{"--headless=new", "--disable-gpu",
                             "--user-data-dir=" + m_profile.path(), "--no-first-run"};
         if (geteuid() == 0)
             switches.append("--no-sandbox");
@@ -102,12 +102,10 @@ private:
     /// Makes the page, not the window, 1280 by 800.
     void fitWindow()
     {
-        const QJsonObject script{{"script", "return {w: innerWidth, h: innerHeight}"},
-                                 {"args", QJsonArray()}};
-        const QJsonObject page = await("POST", m_session + "/execute/sync", script);
-        await("POST", m_session + "/window/rect",
-              {{"width", 1280 + 1280 - page["w"].toInt()},
-               {"height", 900 + 800 - page["h"].toInt()}});
+        const QJsonObject metrics{
+            {"width", 1280}, {"height", 800}, {"deviceScaleFactor", 1}, {"mobile", false}};
+        await("POST", m_session + "/goog/cdp/execute",
+              {{"cmd", "Emulation.setDeviceMetricsOverride"}, {"params", metrics}});
     }
 
     static inline std::unique_ptr<ChromiumDriver> s_shared;
@@ -183,6 +181,7 @@ public:
     }
     void perform(PageAction) override {}
     void answer(quint64, const PageAnswer&) override {}
+    void leaveFullScreen() override {}
     void terminate() override {}
     void inspect() override {}
     [[nodiscard]] QWidget* widget() const override { return nullptr; }
@@ -238,10 +237,11 @@ private:
         const QJsonObject exception = answer["exceptionDetails"].toObject()["exception"].toObject();
         if (!exception.isEmpty()) {
             // "TypeError: message\n    at …", or what was thrown.
-            const QString text = exception["description"].toString(exception["value"].toString());
-            const QString head = text.section("\n    at ", 0, 0);
             const QString name = exception["className"].toString();
-            return Unexpected{PageScriptError{Kind::Exception, name, head.mid(name.size() + 2)}};
+            const QString text = exception["description"].toString().section("\n    at ", 0, 0);
+            const QString message =
+                name.isEmpty() ? exception["value"].toString() : text.mid(name.size() + 2);
+            return Unexpected{PageScriptError{Kind::Exception, name, message}};
         }
         if (value["type"].toString() == "undefined")
             return QJsonValue(QJsonValue::Undefined);

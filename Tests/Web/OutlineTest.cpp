@@ -213,6 +213,44 @@ TEST_F(Outline, WhatIsNotSeenIsNotShown)
     });
 }
 
+TEST_F(Outline, BothWaysOfTellingWhatIsSeenAgree)
+{
+    const QString html =
+        "<p hidden>a</p><p style='visibility:hidden'>b</p><p>c</p><div "
+        "style='display:contents'><p>d</p></div>"
+        "<details><summary>e</summary><p>f</p></details><div "
+        "style='content-visibility:hidden'><p>g</p></div>"
+        "<svg aria-hidden=false><title>h</title><text>i</text></svg><select><option>j</select>"
+        "<div style='display:none'><p>k</p></div><div style='visibility:hidden'><p "
+        "style='visibility:visible'>l</p></div>";
+    // An engine's own way, and that of an engine without one.
+    const QString own =
+        "<script>const all = Element.prototype; all.checkVisibility = all.checkVisibility || "
+        "function () {"
+        "  for (let el = this; el; el = el.parentElement) {"
+        "    const parent = el.parentElement;"
+        "    const { display } = getComputedStyle(el);"
+        "    if (display === 'none' || (el === this && display === 'contents')) return false;"
+        "    if (parent && getComputedStyle(parent).contentVisibility === 'hidden') return false;"
+        "    if (parent?.localName === 'details' && !parent.open && el.localName !== 'summary')"
+        "      return false;"
+        "    if (el.localName === 'title') return false;"
+        "  }"
+        "  return getComputedStyle(this).visibility === 'visible';"
+        "};</script>";
+    const QString none = "<script>delete Element.prototype.checkVisibility</script>";
+
+    show(own + html);
+    const QString natively = outline();
+    show(none + html);
+
+    EXPECT_EQ(outline(), natively);
+    EXPECT_EQ(
+        natively,
+        "- paragraph: c\n- paragraph: d\n- button \"e\" [ref=e1] [expanded=false]\n- text: i\n- "
+        "combobox [ref=e2] value=\"j\" options: j");
+}
+
 TEST_F(Outline, ShadowRootsAndSlots)
 {
     open("/shadow.html");

@@ -203,8 +203,23 @@ function focusedElement() {
   return el;
 }
 
+// Without scrolling. In a window that doesn't have the keyboard an engine moves the focus but keeps
+// the events back until it has, so the page is told by hand.
 function focus(el) {
-  if (typeof el.focus === "function") el.focus({ preventScroll: true });
+  const before = focusedElement();
+  if (el === before || typeof el.focus !== "function") return;
+  el.focus({ preventScroll: true });
+  if (document.hasFocus() || focusedElement() !== el) return;
+  if (before && before !== document.body) {
+    fireFocus(before, "blur", false, el);
+    fireFocus(before, "focusout", true, el);
+  }
+  fireFocus(el, "focus", false, before);
+  fireFocus(el, "focusin", true, before);
+}
+
+function fireFocus(el, type, bubbles, relatedTarget) {
+  dispatch(el, new FocusEvent(type, { bubbles, composed: true, view: window, relatedTarget }));
 }
 
 function isEditable(el) {

@@ -126,7 +126,8 @@ function moveFocus(el, isBackwards) {
     if (isBackwards) index++;
   }
   const next = stops[(index + (isBackwards ? -1 : 1) + stops.length) % stops.length];
-  next.focus();
+  focus(next);
+  scrollIntoView(next, { block: "nearest", behavior: "instant" });
   return ` (focus moved to ${describe(next)})`;
 }
 
