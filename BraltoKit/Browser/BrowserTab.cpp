@@ -7,6 +7,7 @@
 #include <QUrlQuery>
 
 #include <algorithm>
+#include <utility>
 
 namespace Bralto {
 
@@ -160,9 +161,15 @@ void BrowserTab::load(const QUrl& url)
     // The field shows where one is being led, whatever was typed before.
     setAddressText(url.toString(QUrl::FullyEncoded));
     setUrl(url);
-    const bool isMade = m_page != nullptr;
-    if (PageEngine* page = this->page(); page && isMade)
-        page->load(url);
+    if (!m_page) {
+        (void)page();
+    } else if (m_responds) {
+        m_page->load(url);
+    } else {
+        // A process that stands still would never get to it; the next one does.
+        m_loadsAfterEnd = true;
+        m_page->terminate();
+    }
 }
 
 void BrowserTab::goBack()
@@ -181,7 +188,7 @@ void BrowserTab::reload()
 {
     if (m_url.isEmpty())
         return;
-    if (m_errorMessage || !m_page) {
+    if (m_errorMessage || !m_page || !m_responds) {
         load(m_url);
         return;
     }
@@ -236,10 +243,24 @@ void BrowserTab::leaveFullScreen()
 void BrowserTab::close()
 {
     m_isClosed = true;
+    releasePage();
+}
+
+void BrowserTab::releasePage()
+{
     if (!m_page)
         return;
     emit pageGoing();
     m_page.reset();
+    m_questions.clear();
+    m_isLoading = false;
+    m_canGoBack = false;
+    m_canGoForward = false;
+    m_responds = true;
+    emit questionsChanged();
+    emit isLoadingChanged(false);
+    emit historyChanged();
+    setStatus({}, false, false);
 }
 
 void BrowserTab::applyZoom()
@@ -380,7 +401,13 @@ void BrowserTab::pageIconChanged(const QByteArray& png)
 void BrowserTab::pageEnded()
 {
     pageResponds(true);
-    setStatus(QStringLiteral("This page has stopped."), false, true);
+    if (!std::exchange(m_loadsAfterEnd, false)) {
+        setStatus(QStringLiteral("This page has stopped."), false, true);
+        return;
+    }
+    // The engine is still telling of the end.
+    QMetaObject::invokeMethod(
+        this, [this] { load(m_url); }, Qt::QueuedConnection);
 }
 
 void BrowserTab::pageResponds(bool responds)

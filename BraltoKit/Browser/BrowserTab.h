@@ -93,7 +93,9 @@ public:
     void openInDefaultBrowser();
     void answer(quint64 question, const PageAnswer& answer);
     void leaveFullScreen();
-    void close(); ///< Releases the page.
+    void close(); ///< Releases the page for good.
+    /// Lets go of the page; the next who needs it gets another one, at the same address.
+    void releasePage();
 
     /// Marks the tab as driven for as long as the result lives.
     [[nodiscard]] std::shared_ptr<void> markActing(const QString& tool);
@@ -151,6 +153,7 @@ private:
     bool m_responds = true;
     bool m_isFullScreen = false;
     bool m_isClosed = false;
+    bool m_loadsAfterEnd = false; ///< The page was ended to make way for a load.
     QByteArray m_icon;
     QUrl m_hoveredLink;
     std::vector<PageQuestion> m_questions;

@@ -26,8 +26,8 @@ std::optional<PageQuestion::Kind> kindFor(const QString& name)
 void reply(QWebEngineUrlRequestJob& job, const PageAnswer& answer)
 {
     auto* body = new QBuffer(&job);
-    body->setData(QJsonDocument(QJsonArray{answer.isAccepted, answer.text})
-                      .toJson(QJsonDocument::Compact));
+    body->setData(
+        QJsonDocument(QJsonArray{answer.isAccepted, answer.text}).toJson(QJsonDocument::Compact));
     body->open(QIODevice::ReadOnly);
     job.reply("application/json", body);
 }

@@ -73,10 +73,10 @@ QString newKey()
 
 QString documentScript(const Keys& keys, Arrival arrival)
 {
-    static const QString scripts = 
+    static const QString scripts =
         resource("bridge.js") + resource("console.js") + resource("dialogs.js");
-    return QStringLiteral("(() => {\n\"use strict\";\nconst braltoKey = ") +
-           quoted(keys.bridge) + QStringLiteral(";\nconst braltoAskKey = ") + quoted(keys.ask) +
+    return QStringLiteral("(() => {\n\"use strict\";\nconst braltoKey = ") + quoted(keys.bridge) +
+           QStringLiteral(";\nconst braltoAskKey = ") + quoted(keys.ask) +
            QStringLiteral(";\nconst braltoIsFirst = ") +
            (arrival == Arrival::First ? QStringLiteral("true;\n") : QStringLiteral("false;\n")) +
            scripts + QStringLiteral("})();");

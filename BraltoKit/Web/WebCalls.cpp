@@ -103,17 +103,18 @@ void WebCalls::endSoon(quint64 id, const PageScriptError& error)
 void WebCalls::check(quint64 id, const PageScript& script)
 {
     const QPointer<WebCalls> self(this);
-    m_page.runJavaScript(
-        WebBridge::syntaxCheck(script.arguments.keys(), script.body),
-        QWebEngineScript::ApplicationWorld, [self, id, script](const QVariant& found) {
-            if (!self || !self->m_calls.contains(id))
-                return;
-            const QString text = found.toString();
-            if (!text.isEmpty())
-                self->end(id, Unexpected{syntaxError(text)});
-            else
-                self->run(id, WebBridge::start(self->m_keys.bridge, id, script.body, script.arguments));
-        });
+    m_page.runJavaScript(WebBridge::syntaxCheck(script.arguments.keys(), script.body),
+                         QWebEngineScript::ApplicationWorld,
+                         [self, id, script](const QVariant& found) {
+                             if (!self || !self->m_calls.contains(id))
+                                 return;
+                             const QString text = found.toString();
+                             if (!text.isEmpty())
+                                 self->end(id, Unexpected{syntaxError(text)});
+                             else
+                                 self->run(id, WebBridge::start(self->m_keys.bridge, id,
+                                                                script.body, script.arguments));
+                         });
 }
 
 void WebCalls::run(quint64 id, const QString& text, bool isSecondTry)
@@ -134,8 +135,9 @@ void WebCalls::run(quint64 id, const QString& text, bool isSecondTry)
                 return;
             }
             // The first, empty document of a page, for example, comes without.
-            self->m_page.runJavaScript(WebBridge::documentScript(self->m_keys, WebBridge::Arrival::Late),
-                                       QWebEngineScript::MainWorld);
+            self->m_page.runJavaScript(
+                WebBridge::documentScript(self->m_keys, WebBridge::Arrival::Late),
+                QWebEngineScript::MainWorld);
             self->run(id, text, true);
         });
 }

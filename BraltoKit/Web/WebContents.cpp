@@ -2,7 +2,6 @@
 
 #include "Web/WebFileDialog.h"
 
-#include <QAuthenticator>
 #include <QCoreApplication>
 
 namespace Bralto {
@@ -32,14 +31,6 @@ WebContents::WebContents(QWebEngineProfile* profile, WebQuestions& questions)
     : QWebEnginePage(profile)
     , m_questions(&questions)
 {
-    connect(this, &QWebEnginePage::authenticationRequired, this,
-            [this](const QUrl& url, QAuthenticator* authenticator) {
-                logIn(url, *authenticator, authenticator->realm());
-            });
-    connect(this, &QWebEnginePage::proxyAuthenticationRequired, this,
-            [this](const QUrl&, QAuthenticator* authenticator, const QString& proxy) {
-                logIn(QUrl(QStringLiteral("http://") + proxy), *authenticator, proxy);
-            });
 }
 
 void WebContents::retire()
@@ -106,17 +97,6 @@ QStringList WebContents::chooseFiles(FileSelectionMode mode, const QStringList& 
         return {};
     const Nesting nesting(*this);
     return WebFileDialog::choose(*this, mode, types);
-}
-
-void WebContents::logIn(const QUrl& url, QAuthenticator& authenticator, const QString& realm)
-{
-    const PageAnswer answer = ask(PageQuestion::Kind::Login, url, realm);
-    if (answer.isAccepted) {
-        authenticator.setUser(answer.text);
-        authenticator.setPassword(answer.password);
-    } else {
-        authenticator = QAuthenticator();
-    }
 }
 
 } // namespace Bralto

@@ -38,8 +38,6 @@ protected:
 private:
     [[nodiscard]] PageAnswer ask(PageQuestion::Kind kind, const QUrl& origin, const QString& text,
                                  const QString& suggestion = {});
-    void logIn(const QUrl& url, QAuthenticator& authenticator, const QString& realm);
-
     class Nesting;
 
     QPointer<WebQuestions> m_questions;

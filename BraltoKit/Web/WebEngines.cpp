@@ -1,11 +1,10 @@
 #include "Web/WebEngines.h"
 
+#include "Web/WebCleaning.h"
 #include "Web/WebContents.h"
 #include "Web/WebEnvironment.h"
 #include "Web/WebPage.h"
 #include "Web/WebProfile.h"
-
-#include <QWebEngineCookieStore>
 
 namespace Bralto {
 
@@ -17,6 +16,7 @@ WebEngines::WebEngines(PageProfile profile, WebLimits limits)
 
 WebEngines::~WebEngines()
 {
+    m_cleanings.clear();
     for (const QPointer<QObject>& each : m_retired)
         delete each;
 }
@@ -39,18 +39,17 @@ std::unique_ptr<PageEngine> WebEngines::make(PageDelegate& delegate)
 
 void WebEngines::clearBrowsingData(std::function<void()> done)
 {
-    QWebEngineProfile& profile = this->profile();
-    profile.cookieStore()->deleteAllCookies();
-    profile.clearAllVisitedLinks();
-    profile.clearHttpCache();
-    done();
+    std::erase_if(m_cleanings, [](const auto& each) { return each->isOver(); });
+    m_cleanings.push_back(
+        std::make_unique<WebCleaning>(profile(), m_turns, m_limits.cleaning, std::move(done)));
 }
 
-void WebEngines::retire(WebContents& contents, QWidget& widget)
+void WebEngines::retire(WebContents& contents, QWidget* widget)
 {
     std::erase_if(m_retired, [](const QPointer<QObject>& each) { return each.isNull(); });
     m_retired.emplace_back(&contents);
-    m_retired.emplace_back(&widget);
+    if (widget)
+        m_retired.emplace_back(widget);
     contents.retire();
 }
 

@@ -4,7 +4,7 @@
 #include "Browser/PageProfile.h"
 #include "Web/WebAsking.h"
 #include "Web/WebCertificates.h"
-#include "Web/WebPictures.h"
+#include "Web/WebTurns.h"
 
 #include <QPointer>
 #include <QWebEngineProfile>
@@ -14,13 +14,15 @@
 
 namespace Bralto {
 
+class WebCleaning;
 class WebContents;
 
 /// How long things may take; shorter in a test.
 struct WebLimits {
     std::chrono::milliseconds answer = std::chrono::seconds(60); ///< Of a server to a load.
-    std::chrono::milliseconds patience =
-        std::chrono::seconds(5); ///< With a page that stands still.
+    /// With a page that stands still.
+    std::chrono::milliseconds patience = std::chrono::seconds(5);
+    std::chrono::milliseconds cleaning = std::chrono::seconds(10);
 };
 
 /// The pages of one project, made by the toolkit's engine.
@@ -40,7 +42,7 @@ public:
     [[nodiscard]] const WebLimits& limits() const { return m_limits; }
     [[nodiscard]] bool isDark() const { return m_settings.isDark; }
     /// Lets go of a page whose engine is gone, as soon as nothing of it is on the stack.
-    void retire(WebContents& contents, QWidget& widget);
+    void retire(WebContents& contents, QWidget* widget);
 
 private:
     const PageProfile m_settings;
@@ -49,6 +51,7 @@ private:
     WebAsking m_asking;
     WebTurns m_turns;
     std::unique_ptr<QWebEngineProfile> m_profile;
+    std::vector<std::unique_ptr<WebCleaning>> m_cleanings;
     std::vector<QPointer<QObject>> m_retired; ///< All must go before the profile.
 };
 

@@ -80,6 +80,7 @@ void WebNavigation::begin(const QUrl& url)
     m_isErrorThere = false;
     m_awaitsWord = false;
     m_answerTimer.start();
+    emit began();
 }
 
 void WebNavigation::load(const QUrl& url)
@@ -128,14 +129,6 @@ void WebNavigation::visitDespiteCertificate()
         return;
     m_certificates.take(*m_refused);
     load(url());
-}
-
-void WebNavigation::setWaitingForUser(bool waiting)
-{
-    if (waiting)
-        m_answerTimer.stop();
-    else if (m_isLoading && !m_isCommitted && !m_answerTimer.isActive())
-        m_answerTimer.start();
 }
 
 // --- what the page tells

@@ -41,13 +41,12 @@ public:
     /// more.
     void meet(const QUrl& url);
     void endWithProcess();
-    /// While the user is asked for a login, the server isn't waited for.
-    void setWaitingForUser(bool waiting);
 
     /// Whether a page with this address calls itself `title` only for want of a title.
     [[nodiscard]] static bool isAddress(const QString& title, const QUrl& url);
 
 signals:
+    void began(); ///< A load.
     void changed();
     /// The document that was there is gone, and its scripts with it.
     void replaced();
@@ -73,10 +72,10 @@ private:
     QUrl m_url;    ///< Of the document that is there.
     QString m_title;
     bool m_isLoading = false;
-    bool m_isCommitted = false; ///< What is loading has taken its place.
-    bool m_hasEnded = false;    ///< There is no process.
-    bool m_awaitsWord = false;  ///< The document is there, and has not said so.
-    bool m_isErrorThere = false; ///< The engine's document for what failed.
+    bool m_isCommitted = false;           ///< What is loading has taken its place.
+    bool m_hasEnded = false;              ///< There is no process.
+    bool m_awaitsWord = false;            ///< The document is there, and has not said so.
+    bool m_isErrorThere = false;          ///< The engine's document for what failed.
     std::optional<PageLoadError> m_error; ///< Told once that document is there.
     QTimer m_errorTimer;                  ///< Or once it should have been.
     double m_progress = 0;

@@ -66,6 +66,7 @@ WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
     , m_pictures(m_contents, m_place, m_calls, engines.turns(), this)
     , m_heartbeat(m_contents, engines.limits().patience, this)
     , m_requests(m_contents, m_questions, delegate, this)
+    , m_logins(m_contents, m_questions, this)
 {
     engines.asking().add(m_keys.ask, m_questions);
     m_contents.scripts().insert(scriptFor(m_keys));
@@ -84,10 +85,7 @@ WebPage::~WebPage()
     m_calls.endAll({PageScriptError::Kind::Ended});
     m_questions.withdrawAll();
     m_contents.disconnect(this);
-    if (QWidget* widget = m_place.widget())
-        m_engines.retire(m_contents, *widget);
-    else
-        m_contents.retire();
+    m_engines.retire(m_contents, m_place.widget());
 }
 
 // --- the parts
@@ -98,8 +96,12 @@ void WebPage::connectNavigation()
         m_heartbeat.setWanted(m_navigation.isLoading() || !m_calls.isIdle());
         m_delegate.pageChanged();
     });
+    connect(&m_navigation, &WebNavigation::began, &m_logins, &WebLogins::withdraw);
+    connect(&m_logins, &WebLogins::reloadRequested, &m_navigation, &WebNavigation::reload);
     connect(&m_navigation, &WebNavigation::replaced, this, &WebPage::forgetDocument);
     connect(&m_navigation, &WebNavigation::committed, this, [this] {
+        m_hasDocument = true;
+        layPaper();
         const QPointer<WebPage> self(this);
         m_delegate.pageCommitted();
         if (self)
@@ -175,7 +177,7 @@ void WebPage::forgetDocument()
     const QPointer<WebPage> self(this);
     m_calls.endAll({PageScriptError::Kind::Navigated});
     if (self)
-        m_questions.withdrawAll();
+        m_questions.withdrawDocuments();
     if (!self)
         return;
     m_heartbeat.restart();
@@ -215,7 +217,6 @@ void WebPage::followQuestions()
 {
     const PageQuestion* blocking = m_questions.blocking();
     m_heartbeat.setPaused(blocking != nullptr);
-    m_navigation.setWaitingForUser(m_questions.isWaitingForLogin());
     if (blocking)
         m_calls.endAll({PageScriptError::Kind::Asking, {}, blocking->text});
 }
@@ -252,7 +253,14 @@ void WebPage::setZoomFactor(double factor)
 
 void WebPage::setDark(bool dark)
 {
-    m_contents.setBackgroundColor(dark ? DarkPaper : QColor(Qt::white));
+    m_isDark = dark;
+    layPaper();
+}
+
+void WebPage::layPaper()
+{
+    // Documents reckon with white paper; before the first one nothing should flash.
+    m_contents.setBackgroundColor(m_isDark && !m_hasDocument ? DarkPaper : QColor(Qt::white));
 }
 
 void WebPage::find(const QString& text, FindDirection direction,

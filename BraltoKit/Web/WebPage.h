@@ -4,6 +4,7 @@
 #include "Web/WebConsole.h"
 #include "Web/WebHeartbeat.h"
 #include "Web/WebInspector.h"
+#include "Web/WebLogins.h"
 #include "Web/WebNavigation.h"
 #include "Web/WebPictures.h"
 #include "Web/WebPlace.h"
@@ -69,6 +70,7 @@ private:
     void followQuestions();
     void endWithProcess();
     void showIcon(const QIcon& icon);
+    void layPaper();
 
     WebEngines& m_engines;
     PageDelegate& m_delegate;
@@ -82,9 +84,12 @@ private:
     WebPictures m_pictures;
     WebHeartbeat m_heartbeat;
     WebRequests m_requests;
+    WebLogins m_logins;
     QPointer<WebInspector> m_inspector;
     std::function<void(int, int)> m_found; ///< Of the search that is under way.
     double m_zoom = 1;
+    bool m_isDark = false;
+    bool m_hasDocument = false;
     bool m_isFullScreen = false;
 };
 

@@ -80,6 +80,8 @@ WebPictures::WebPictures(QWebEnginePage& page, WebPlace& place, WebCalls& calls,
 
 WebPictures::~WebPictures()
 {
+    m_turns.forget(this);
+    m_whole.reset();
     for (const auto& [id, done] : std::exchange(m_pictures, {}))
         done(Unexpected{PagePictureError::NothingDrawn});
 }

@@ -4,36 +4,15 @@
 #include "Web/DevToolsLink.h"
 #include "Web/WebCalls.h"
 #include "Web/WebPlace.h"
+#include "Web/WebTurns.h"
 
 #include <QImage>
 #include <QTimer>
 
-#include <deque>
 #include <map>
 #include <memory>
 
 namespace Bralto {
-
-/// Whose turn it is to hold a `DevToolsLink`: never more than one page of the process. A turn lasts
-/// as long as what `begin` gets lives.
-class WebTurns {
-public:
-    using Turn = std::shared_ptr<void>;
-
-    void await(QObject* context, std::function<void(Turn)> begin);
-
-private:
-    void next();
-
-    struct Waiting {
-        QPointer<QObject> context;
-        std::function<void(Turn)> begin;
-    };
-    std::deque<Waiting> m_waiting;
-    bool m_isTaken = false;
-    /// Whether this object is still there, for a turn that ends after it.
-    std::shared_ptr<WebTurns*> m_self = std::make_shared<WebTurns*>(this);
-};
 
 /// Draws one page, wherever it lies. Scales and encodes off the main thread.
 class WebPictures final : public QObject {

@@ -93,18 +93,23 @@ void WebQuestions::withdrawAll()
         withdraw(m_open.front().question.id);
 }
 
+void WebQuestions::withdrawDocuments()
+{
+    std::vector<quint64> gone;
+    for (const Open& each : m_open)
+        if (each.question.kind != PageQuestion::Kind::Login)
+            gone.push_back(each.question.id);
+    const QPointer<WebQuestions> self(this);
+    for (const quint64 question : gone)
+        if (self)
+            withdraw(question);
+}
+
 const PageQuestion* WebQuestions::blocking() const
 {
     const auto found = std::find_if(m_open.rbegin(), m_open.rend(),
                                     [](const Open& each) { return each.question.blocksPage(); });
     return found == m_open.rend() ? nullptr : &found->question;
-}
-
-bool WebQuestions::isWaitingForLogin() const
-{
-    return std::any_of(m_open.begin(), m_open.end(), [](const Open& each) {
-        return each.question.kind == PageQuestion::Kind::Login;
-    });
 }
 
 } // namespace Bralto

@@ -30,11 +30,11 @@ public:
     void answer(quint64 question, const PageAnswer& answer);
     void withdraw(quint64 question);
     void withdrawAll();
+    /// What a document asked that is gone. A login is its server's.
+    void withdrawDocuments();
 
     /// The newest question for which the page's scripts stand still; null if there is none.
     [[nodiscard]] const PageQuestion* blocking() const;
-    /// A login is waited for.
-    [[nodiscard]] bool isWaitingForLogin() const;
 
 signals:
     void changed();

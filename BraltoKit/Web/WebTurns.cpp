@@ -1,4 +1,4 @@
-#include "Web/WebPictures.h"
+#include "Web/WebTurns.h"
 
 namespace Bralto {
 
@@ -6,6 +6,11 @@ void WebTurns::await(QObject* context, std::function<void(Turn)> begin)
 {
     m_waiting.push_back({context, std::move(begin)});
     next();
+}
+
+void WebTurns::forget(const QObject* context)
+{
+    std::erase_if(m_waiting, [context](const Waiting& each) { return each.context == context; });
 }
 
 void WebTurns::next()

@@ -5,6 +5,7 @@
 #include "Tests/Support/MemoryDefaultsStore.h"
 #include "Tests/Support/QtPrinters.h"
 
+#include <QCoreApplication>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
@@ -325,6 +326,39 @@ TEST_F(BrowserTabTest, APageThatEndedComesBackWithAReload)
 
     tab->reload();
     EXPECT_FALSE(tab->hasEnded());
+}
+
+TEST_F(BrowserTabTest, APageThatStandsStillMakesWayForTheNextLoad)
+{
+    const auto tab = open("http://one.test/");
+    told().pageResponds(false);
+
+    tab->reload();
+    EXPECT_EQ(page().told, QStringList{"terminate"});
+    EXPECT_EQ(page().loads.size(), 1) << "its process would never get to it";
+    told().pageEnded();
+    EXPECT_EQ(tab->errorMessage(), std::nullopt);
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(page().loads.size(), 2);
+    told().pageEnded();
+    EXPECT_TRUE(tab->hasEnded()) << "of itself this time";
+}
+
+TEST_F(BrowserTabTest, AReleasedPageIsMadeAnewWhenItIsNeeded)
+{
+    const auto tab = open("http://one.test/");
+    told().pageAsked({.id = 1});
+    const QSignalSpy going(tab.get(), &BrowserTab::pageGoing);
+
+    tab->releasePage();
+    EXPECT_EQ(going.count(), 1);
+    EXPECT_TRUE(pages.alive.empty());
+    EXPECT_TRUE(tab->questions().empty());
+    EXPECT_FALSE(tab->isLoading());
+
+    EXPECT_NE(tab->page(), nullptr);
+    EXPECT_EQ(page().loads, std::vector{QUrl("http://one.test/")});
 }
 
 TEST_F(BrowserTabTest, TheLastToolAtWorkIsNamed)

@@ -24,7 +24,7 @@
 namespace Bralto {
 
 /// Runs the event loop until `holds` is true; false if it never was.
-inline bool spinUntil(const std::function<bool()>& holds, int seconds = 30)
+inline bool spinUntil(const std::function<bool()>& holds, int seconds = 10)
 {
     QEventLoop loop;
     QTimer ticks;
@@ -141,13 +141,15 @@ protected:
     void click(QPoint at, Qt::MouseButton button = Qt::LeftButton)
     {
         // The page draws before it takes clicks.
-        value(QStringLiteral("await new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))"));
+        value(QStringLiteral(
+            "await new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))"));
         QWidget* target = page->widget()->focusProxy();
         target = target && target->focusProxy() ? target->focusProxy() : target;
         ASSERT_NE(target, nullptr);
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
             QMouseEvent event(type, at, target->mapToGlobal(at), button,
-                              type == QEvent::MouseButtonPress ? button : Qt::NoButton, Qt::NoModifier);
+                              type == QEvent::MouseButtonPress ? button : Qt::NoButton,
+                              Qt::NoModifier);
             QCoreApplication::sendEvent(target, &event);
         }
     }

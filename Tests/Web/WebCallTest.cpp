@@ -71,8 +71,9 @@ TEST_F(WebCallTest, WhatIsThrownHasItsNameAndMessage)
     ASSERT_TRUE(show(Plain));
 
     EXPECT_EQ(error(QStringLiteral("null.x")).name, QStringLiteral("TypeError"));
-    EXPECT_EQ(error(QStringLiteral("await Promise.reject(new RangeError('far'))")),
-              (PageScriptError{Kind::Exception, QStringLiteral("RangeError"), QStringLiteral("far")}));
+    EXPECT_EQ(
+        error(QStringLiteral("await Promise.reject(new RangeError('far'))")),
+        (PageScriptError{Kind::Exception, QStringLiteral("RangeError"), QStringLiteral("far")}));
     EXPECT_EQ(error(QStringLiteral("throw 'words'")),
               (PageScriptError{Kind::Exception, {}, QStringLiteral("words")}));
     EXPECT_EQ(error(QStringLiteral("throw null")),
@@ -154,17 +155,19 @@ TEST_F(WebCallTest, TheEndOfTheProcessEndsItsCalls)
 {
     ASSERT_TRUE(show(Plain));
 
-    EXPECT_EQ(interrupted(QStringLiteral("await new Promise(() => {})"), [this] { page->terminate(); })
-                  .kind,
-              Kind::Ended);
+    EXPECT_EQ(
+        interrupted(QStringLiteral("await new Promise(() => {})"), [this] { page->terminate(); })
+            .kind,
+        Kind::Ended);
 }
 
 TEST_F(WebCallTest, TheEndOfTheEngineEndsItsCalls)
 {
     ASSERT_TRUE(show(Plain));
 
-    EXPECT_EQ(interrupted(QStringLiteral("await new Promise(() => {})"), [this] { page.reset(); }).kind,
-              Kind::Ended);
+    EXPECT_EQ(
+        interrupted(QStringLiteral("await new Promise(() => {})"), [this] { page.reset(); }).kind,
+        Kind::Ended);
 }
 
 TEST_F(WebCallTest, ADoneThatEndsTheEngineDoesNoHarm)
@@ -208,13 +211,16 @@ TEST_F(WebCallTest, AFailedLoadEndsTheCallsOfThePageBefore)
 TEST_F(WebCallTest, DocumentsOfEveryKindAnswer)
 {
     site.route(QStringLiteral("/strict"), [](const SiteServer::Request&) {
-        return SiteServer::Response{200, Plain, "text/html",
-                                    {{"Content-Security-Policy", "default-src 'none'; script-src 'self'; "
-                                                                 "require-trusted-types-for 'script'"}}};
+        return SiteServer::Response{
+            200,
+            Plain,
+            "text/html",
+            {{"Content-Security-Policy", "default-src 'none'; script-src 'self'; "
+                                         "require-trusted-types-for 'script'"}}};
     });
     site.route(QStringLiteral("/sandboxed"), [](const SiteServer::Request&) {
-        return SiteServer::Response{200, Plain, "text/html",
-                                    {{"Content-Security-Policy", "sandbox allow-scripts"}}};
+        return SiteServer::Response{
+            200, Plain, "text/html", {{"Content-Security-Policy", "sandbox allow-scripts"}}};
     });
     site.route(QStringLiteral("/text"), [](const SiteServer::Request&) {
         return SiteServer::Response{200, "plain", "text/plain"};
@@ -222,9 +228,10 @@ TEST_F(WebCallTest, DocumentsOfEveryKindAnswer)
     site.route(QStringLiteral("/xml"), [](const SiteServer::Request&) {
         return SiteServer::Response{200, "<a/>", "application/xml"};
     });
-    for (const QUrl& url : {site.url(QStringLiteral("/strict")), site.url(QStringLiteral("/sandboxed")),
-                            site.url(QStringLiteral("/text")), site.url(QStringLiteral("/xml")),
-                            QUrl(QStringLiteral("data:text/html,<p>x")), QUrl(QStringLiteral("about:blank"))}) {
+    for (const QUrl& url :
+         {site.url(QStringLiteral("/strict")), site.url(QStringLiteral("/sandboxed")),
+          site.url(QStringLiteral("/text")), site.url(QStringLiteral("/xml")),
+          QUrl(QStringLiteral("data:text/html,<p>x")), QUrl(QStringLiteral("about:blank"))}) {
         SCOPED_TRACE(url.toString().toStdString());
         ASSERT_TRUE(load(url));
         EXPECT_EQ(value(QStringLiteral("return await 41 + 1")), 42);
@@ -286,11 +293,13 @@ TEST_F(WebCallTest, TimersAndFramesOfAHiddenPageRunWhileItIsDriven)
 {
     ASSERT_TRUE(show(Plain));
 
-    const double spent = value(QStringLiteral(
-        "const start = performance.now();"
-        "for (let i = 0; i < 20; ++i) await new Promise(r => setTimeout(r, 10));"
-        "await new Promise(r => requestAnimationFrame(r));"
-        "return performance.now() - start")).toDouble();
+    const double spent =
+        value(
+            QStringLiteral("const start = performance.now();"
+                           "for (let i = 0; i < 20; ++i) await new Promise(r => setTimeout(r, 10));"
+                           "await new Promise(r => requestAnimationFrame(r));"
+                           "return performance.now() - start"))
+            .toDouble();
 
     EXPECT_LT(spent, 3000);
     EXPECT_EQ(value(QStringLiteral("return document.visibilityState")), QStringLiteral("visible"));

@@ -40,7 +40,8 @@ TEST_F(WebConsoleTest, EachLevelArrivesWithItsText)
 
 TEST_F(WebConsoleTest, AnErrorShowsItsStackOnce)
 {
-    ASSERT_TRUE(show("<!doctype html><script>function far() { console.log(new TypeError('bad')) } far()</script>"));
+    ASSERT_TRUE(show("<!doctype html><script>function far() { console.log(new TypeError('bad')) } "
+                     "far()</script>"));
 
     ASSERT_EQ(log().size(), 1U);
     EXPECT_TRUE(log()[0].startsWith(QStringLiteral("log: TypeError: bad\n    at far (http://")));
@@ -72,11 +73,13 @@ TEST_F(WebConsoleTest, AnErrorInAScriptOfAnotherOriginIsTold)
 
 TEST_F(WebConsoleTest, ARejectionThatNobodyHandlesIsTold)
 {
-    ASSERT_TRUE(show("<!doctype html><script>Promise.reject('why'); Promise.reject(new Error('no'))</script>"));
+    ASSERT_TRUE(show(
+        "<!doctype html><script>Promise.reject('why'); Promise.reject(new Error('no'))</script>"));
 
     ASSERT_EQ(log().size(), 2U);
     EXPECT_EQ(log()[0], QStringLiteral("error: Unhandled promise rejection: why"));
-    EXPECT_TRUE(log()[1].startsWith(QStringLiteral("error: Unhandled promise rejection: Error: no")));
+    EXPECT_TRUE(
+        log()[1].startsWith(QStringLiteral("error: Unhandled promise rejection: Error: no")));
 }
 
 TEST_F(WebConsoleTest, WhatFailsToLoadIsTold)
@@ -86,7 +89,8 @@ TEST_F(WebConsoleTest, WhatFailsToLoadIsTold)
 
     log();
 
-    for (const auto& [tag, path] : {std::pair{"img", "/no.png"}, {"script", "/no.js"}, {"link", "/no.css"}})
+    for (const auto& [tag, path] :
+         {std::pair{"img", "/no.png"}, {"script", "/no.js"}, {"link", "/no.css"}})
         EXPECT_EQ(count(QStringLiteral("error: Failed to load %1 %2")
                             .arg(QLatin1String(tag), site.url(QLatin1String(path)).toString())),
                   1)
@@ -95,12 +99,15 @@ TEST_F(WebConsoleTest, WhatFailsToLoadIsTold)
 
 TEST_F(WebConsoleTest, FramesOfEveryOriginAreHeardBeforeTheirScriptsCanChangeAnything)
 {
-    site.page(QStringLiteral("/inner"), "<!doctype html><script>console.log('inner ' + location.hostname);"
-                                        "console.log = () => {}; console.log('never')</script>");
-    const QByteArray other = site.url(QStringLiteral("/inner"), QStringLiteral("localhost")).toEncoded();
-    ASSERT_TRUE(show("<!doctype html><iframe src=/inner></iframe><iframe src='" + other +
-                     "'></iframe><iframe srcdoc='<script>console.log(`srcdoc`)</script>'></iframe>"
-                     "<iframe sandbox=allow-scripts srcdoc='<script>console.log(`boxed`)</script>'></iframe>"));
+    site.page(QStringLiteral("/inner"),
+              "<!doctype html><script>console.log('inner ' + location.hostname);"
+              "console.log = () => {}; console.log('never')</script>");
+    const QByteArray other =
+        site.url(QStringLiteral("/inner"), QStringLiteral("localhost")).toEncoded();
+    ASSERT_TRUE(show(
+        "<!doctype html><iframe src=/inner></iframe><iframe src='" + other +
+        "'></iframe><iframe srcdoc='<script>console.log(`srcdoc`)</script>'></iframe>"
+        "<iframe sandbox=allow-scripts srcdoc='<script>console.log(`boxed`)</script>'></iframe>"));
 
     ASSERT_TRUE(spinUntil([this] { return notes.log.size() >= 4; }));
 
@@ -125,7 +132,8 @@ TEST_F(WebConsoleTest, OurOwnScriptsErrorsAreNotThePages)
 
     EXPECT_EQ(error(QStringLiteral("throw new Error('ours')")).message, QStringLiteral("ours"));
     EXPECT_EQ(error(QStringLiteral("return (")).name, QStringLiteral("SyntaxError"));
-    value(QStringLiteral("setTimeout(() => { throw new Error('later') }); Promise.reject(new Error('late'))"));
+    value(QStringLiteral(
+        "setTimeout(() => { throw new Error('later') }); Promise.reject(new Error('late'))"));
 
     EXPECT_EQ(log(), std::vector<QString>());
 }
@@ -133,7 +141,9 @@ TEST_F(WebConsoleTest, OurOwnScriptsErrorsAreNotThePages)
 TEST_F(WebConsoleTest, WhatTheServersRulesForbidIsTold)
 {
     site.route(QStringLiteral("/"), [](const SiteServer::Request&) {
-        return SiteServer::Response{200, "<!doctype html><script>alert(1)</script>", "text/html",
+        return SiteServer::Response{200,
+                                    "<!doctype html><script>alert(1)</script>",
+                                    "text/html",
                                     {{"Content-Security-Policy", "script-src 'none'"}}};
     });
     ASSERT_TRUE(load(site.url()));
@@ -145,7 +155,9 @@ TEST_F(WebConsoleTest, WhatTheServersRulesForbidIsTold)
 
 TEST_F(WebConsoleTest, APageThatForgesAMessageOnlyWritesAText)
 {
-    ASSERT_TRUE(show("<!doctype html><script>console.debug('\\x010123456789abcdef0123456789abcdefh\\nhttp://x/')</script>"));
+    ASSERT_TRUE(show("<!doctype "
+                     "html><script>console.debug('\\x010123456789abcdef0123456789abcdefh\\nhttp://"
+                     "x/')</script>"));
 
     EXPECT_EQ(log().size(), 1U);
     EXPECT_EQ(notes.commits, 1);
@@ -157,7 +169,8 @@ TEST_F(WebConsoleTest, AFloodCostsTheWindowLittle)
     qint64 longest = 0;
     QElapsedTimer sinceTick;
     QTimer ticks;
-    QObject::connect(&ticks, &QTimer::timeout, [&] { longest = std::max(longest, sinceTick.restart()); });
+    QObject::connect(&ticks, &QTimer::timeout,
+                     [&] { longest = std::max(longest, sinceTick.restart()); });
     sinceTick.start();
     ticks.start(1);
 
@@ -167,7 +180,8 @@ TEST_F(WebConsoleTest, AFloodCostsTheWindowLittle)
     EXPECT_EQ(notes.log.back(), QStringLiteral("log: line 99999"));
     EXPECT_LT(longest, 1000);
     RecordProperty("longestGapMs", int(longest));
-    std::printf("longest gap %lld ms, %zu told\n", static_cast<long long>(longest), notes.log.size());
+    std::printf("longest gap %lld ms, %zu told\n", static_cast<long long>(longest),
+                notes.log.size());
 }
 
 } // namespace

@@ -60,8 +60,9 @@ TEST_F(WebNavigationTest, ARefusedConnectionIsAFailureThatNamesTheServer)
 
     const PageLoadError error = failure(QUrl(QStringLiteral("http://127.0.0.1:%1/x").arg(port)));
 
-    EXPECT_EQ(error, (PageLoadError{Kind::Failed, QStringLiteral("127.0.0.1:%1 refused the connection.")
-                                                      .arg(port)}));
+    EXPECT_EQ(error,
+              (PageLoadError{Kind::Failed,
+                             QStringLiteral("127.0.0.1:%1 refused the connection.").arg(port)}));
     EXPECT_EQ(page->url(), QUrl(QStringLiteral("http://127.0.0.1:%1/x").arg(port)));
     EXPECT_FALSE(page->isLoading());
     EXPECT_EQ(notes.commits, 0);
@@ -73,13 +74,15 @@ TEST_F(WebNavigationTest, EachFailureHasItsWords)
         return SiteServer::Response{.end = SiteServer::Response::End::Silent};
     });
     site.redirect(QStringLiteral("/round"), "/round");
-    site.route(QStringLiteral("/broken"),
-               [](const SiteServer::Request&) { return SiteServer::Response{500, {}}; });
+    site.route(QStringLiteral("/broken"), [](const SiteServer::Request&) {
+        return SiteServer::Response{500, {}};
+    });
     const QString server = QStringLiteral("127.0.0.1:%1").arg(site.port());
 
     EXPECT_EQ(failure(QUrl(QStringLiteral("http://nowhere.invalid/"))).text,
               QStringLiteral("There is no server nowhere.invalid."));
-    EXPECT_EQ(failure(site.url(QStringLiteral("/silent"))).text, server + QStringLiteral(" sent no answer."));
+    EXPECT_EQ(failure(site.url(QStringLiteral("/silent"))).text,
+              server + QStringLiteral(" sent no answer."));
     EXPECT_EQ(failure(site.url(QStringLiteral("/round"))).text,
               server + QStringLiteral(" redirected too many times."));
     EXPECT_EQ(failure(site.url(QStringLiteral("/broken"))).text,
@@ -227,7 +230,8 @@ TEST_F(WebNavigationTest, AScriptThatMovesOnInItsPageChangesTheAddressAlone)
 
     value(QStringLiteral("history.pushState(null, '', '/elsewhere')"));
 
-    EXPECT_TRUE(spinUntil([this] { return page->url() == site.url(QStringLiteral("/elsewhere")); }));
+    EXPECT_TRUE(
+        spinUntil([this] { return page->url() == site.url(QStringLiteral("/elsewhere")); }));
     EXPECT_EQ(notes.commits, 1);
     EXPECT_TRUE(page->canGoBack());
 }
@@ -254,9 +258,9 @@ TEST_F(WebNavigationTest, AWindowThatThePageOpensIsAskedFor)
     value(QStringLiteral("const w = window.open(''); w.location = '/third'"));
     ASSERT_TRUE(spinUntil([this] { return notes.newPages.size() == 3; }));
 
-    EXPECT_EQ(notes.newPages,
-              (std::vector<QUrl>{site.url(QStringLiteral("/new")), site.url(QStringLiteral("/other")),
-                                 site.url(QStringLiteral("/third"))}));
+    EXPECT_EQ(notes.newPages, (std::vector<QUrl>{site.url(QStringLiteral("/new")),
+                                                 site.url(QStringLiteral("/other")),
+                                                 site.url(QStringLiteral("/third"))}));
     EXPECT_EQ(site.count(QStringLiteral("/third")), 0);
 }
 
@@ -280,7 +284,9 @@ TEST_F(WebNavigationTest, ZoomHoldsOverPages)
 
     EXPECT_EQ(value(QStringLiteral("return innerWidth")), 640);
     page->setZoomFactor(1);
-    EXPECT_EQ(value(QStringLiteral("await new Promise(r => setTimeout(r, 100)); return innerWidth")), 1280);
+    EXPECT_EQ(
+        value(QStringLiteral("await new Promise(r => setTimeout(r, 100)); return innerWidth")),
+        1280);
 }
 
 TEST_F(WebNavigationTest, AServerSeesAPlainBrowser)
@@ -366,7 +372,10 @@ TEST_F(WebTimeoutTest, AServerThatNeverAnswersIsAFailure)
 TEST_F(WebTimeoutTest, APageThatNeverEndsIsThereAllTheSame)
 {
     site.route(QStringLiteral("/endless"), [](const SiteServer::Request&) {
-        return SiteServer::Response{200, "<!doctype html><title>Endless</title><p>Some", "text/html", {},
+        return SiteServer::Response{200,
+                                    "<!doctype html><title>Endless</title><p>Some",
+                                    "text/html",
+                                    {},
                                     SiteServer::Response::End::Open};
     });
 

@@ -10,6 +10,9 @@ namespace {
 
 using Kind = PageQuestion::Kind;
 
+/// Read when the first page is made: cameras that are none.
+const bool HasDevices = qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--use-fake-device-for-media-stream");
+
 constexpr auto Plain = "<!doctype html><title>Plain</title>Hello";
 
 class WebQuestionsTest : public WebTest {
@@ -189,8 +192,8 @@ TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
         });
     };
     whenAsked([&](const PageQuestion&) {
-        other->call({QStringLiteral("document.title = confirm('second')"), {}}, std::chrono::seconds(5),
-                    [](const PageScriptResult&) {});
+        other->call({QStringLiteral("document.title = confirm('second')"), {}},
+                    std::chrono::seconds(5), [](const PageScriptResult&) {});
     });
 
     run(QStringLiteral("document.title = confirm('first')"));
@@ -203,8 +206,8 @@ TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
 TEST_F(WebQuestionsTest, WhoeverIsNotAllowedMayNot)
 {
     ASSERT_TRUE(show(Plain));
-    run(QStringLiteral(
-        "navigator.geolocation.getCurrentPosition(() => {}, e => document.title = 'refused ' + e.code)"));
+    run(QStringLiteral("navigator.geolocation.getCurrentPosition(() => {}, e => document.title = "
+                       "'refused ' + e.code)"));
     ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
     const PageQuestion question = notes.questions.front();
 
@@ -238,9 +241,10 @@ TEST_F(WebQuestionsTest, NotificationsAndTheScreenAreNobodys)
 
     EXPECT_EQ(value(QStringLiteral("return await Notification.requestPermission()")),
               QStringLiteral("denied"));
-    EXPECT_EQ(value(QStringLiteral("return await navigator.mediaDevices.getDisplayMedia({video: true})"
-                                   ".then(() => 'shown', () => 'refused')")),
-              QStringLiteral("refused"));
+    EXPECT_EQ(
+        value(QStringLiteral("return await navigator.mediaDevices.getDisplayMedia({video: true})"
+                             ".then(() => 'shown', () => 'refused')")),
+        QStringLiteral("refused"));
     EXPECT_TRUE(notes.questions.empty());
 }
 
@@ -257,7 +261,8 @@ TEST_F(WebQuestionsTest, ANavigationWithdrawsAPermission)
 
 TEST_F(WebQuestionsTest, AServerMayAskForAName)
 {
-    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "<!doctype html><title>Inside</title>");
+    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret",
+                 "<!doctype html><title>Inside</title>");
     whenAsked([this](const PageQuestion& question) {
         EXPECT_EQ(question.kind, Kind::Login);
         EXPECT_EQ(question.text, QStringLiteral("The Vault"));
@@ -270,14 +275,32 @@ TEST_F(WebQuestionsTest, AServerMayAskForAName)
     EXPECT_TRUE(titleBecomes(QStringLiteral("Inside")));
 }
 
+TEST_F(WebQuestionsTest, AWrongPasswordIsAskedForAgain)
+{
+    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret",
+                 "<!doctype html><title>Inside</title>");
+    whenAsked([this](const PageQuestion& question) {
+        const bool isSecond = notes.questions.size() == 2;
+        page->answer(question.id, {true, QStringLiteral("ada"),
+                                   isSecond ? QStringLiteral("secret") : QStringLiteral("wrong")});
+    });
+
+    page->load(site.url(QStringLiteral("/inside")));
+
+    EXPECT_TRUE(titleBecomes(QStringLiteral("Inside")));
+    EXPECT_EQ(notes.questions.size(), 2U);
+}
+
 TEST_F(WebQuestionsTest, WhoeverGivesNoNameSeesTheServersRefusal)
 {
-    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret", "<!doctype html><title>Inside</title>");
+    site.protect(QStringLiteral("/inside"), "The Vault", "ada:secret",
+                 "<!doctype html><title>Inside</title>");
     notes.asked = [this](const PageQuestion& question) { page->answer(question.id, {}); };
 
     ASSERT_TRUE(load(site.url(QStringLiteral("/inside"))));
 
-    EXPECT_EQ(value(QStringLiteral("return document.body.innerText")), QStringLiteral("Not for you"));
+    EXPECT_EQ(value(QStringLiteral("return document.body.innerText")),
+              QStringLiteral("Not for you"));
 }
 
 TEST_F(WebQuestionsTest, AnotherLoadWithdrawsALogin)
@@ -299,9 +322,12 @@ TEST_F(WebQuestionsTest, UnsavedWorkIsAskedForBeforeItIsLost)
     page->widget()->setParent(&window);
     page->widget()->setGeometry(0, 0, 600, 400);
     window.show();
-    ASSERT_TRUE(show("<!doctype html><body style='height:100vh'><script>"
-                     "addEventListener('beforeunload', e => { e.preventDefault(); e.returnValue = 'x' })</script>"));
+    ASSERT_TRUE(show("<!doctype html><body style='height:100vh'>Words<script>"
+                     "addEventListener('click', () => document.title = 'clicked');"
+                     "addEventListener('beforeunload', e => { e.preventDefault(); e.returnValue = "
+                     "'x' })</script>"));
     click(QPoint(100, 100));
+    ASSERT_TRUE(titleBecomes(QStringLiteral("clicked")));
 
     site.page(QStringLiteral("/next"), Plain);
     whenAsked([this](const PageQuestion& question) {
@@ -331,8 +357,9 @@ TEST_F(WebQuestionsTest, FilesAreChosenInADialog)
     page->widget()->setParent(&window);
     page->widget()->setGeometry(0, 0, 600, 400);
     window.show();
-    ASSERT_TRUE(show("<!doctype html><input type=file accept='.txt,image/*' style='position:absolute;"
-                     "left:0;top:0;width:300px;height:300px' onchange='document.title=this.files[0].name'>"));
+    ASSERT_TRUE(show(
+        "<!doctype html><input type=file accept='.txt,image/*' style='position:absolute;"
+        "left:0;top:0;width:300px;height:300px' onchange='document.title=this.files[0].name'>"));
     QTimer chooser;
     QObject::connect(&chooser, &QTimer::timeout, [&] {
         for (QWidget* each : QApplication::topLevelWidgets())
