@@ -42,11 +42,15 @@ public:
                                      {QStringLiteral("newTab"), false}});
     }
 
-    void measure(const char* what, int rounds, const QString& tool, const QJsonObject& arguments)
+    /// With `fresh`, of a page that is loaded anew before each round.
+    void measure(const char* what, int rounds, const QString& tool, const QJsonObject& arguments,
+                 const QString& fresh = {})
     {
         std::vector<double> times;
         qsizetype size = 0;
         for (int round = -2; round < rounds; ++round) {
+            if (!fresh.isEmpty())
+                open(fresh);
             QElapsedTimer timer;
             timer.start();
             const ToolOutput output = run(tool, arguments);
@@ -98,9 +102,11 @@ int main(int argc, char** argv)
     driver.measure("screenshot 1280x800", 20, "screenshot", {});
     driver.open("/large.html?5000");
     driver.measure("snapshot of 5,000 elements", 20, "snapshot", {});
+    driver.measure("the same, right after its load", 10, "snapshot", {}, "/large.html?5000");
     driver.measure("the same, all of it", 20, "snapshot", {{"maxChars", 200000}});
     driver.measure("screenshot of it", 20, "screenshot", {});
     driver.open("/large.html?50000");
     driver.measure("snapshot of 50,000 elements", 10, "snapshot", {});
+    driver.measure("the same, right after its load", 5, "snapshot", {}, "/large.html?50000");
     return 0;
 }

@@ -191,9 +191,16 @@ function isFoldedAway(el) {
     return query(parent, ":scope > summary") !== el;
   }
   if (el instanceof SVGElement) return undrawn[localNameOf(el)] === true;
-  return getComputedStyle(parent).contentVisibility === "hidden";
+  // Siblings ask one after the other.
+  if (parent !== lastParent) {
+    lastParent = parent;
+    lastParentSkips = getComputedStyle(parent).contentVisibility === "hidden";
+  }
+  return lastParentSkips;
 }
 
+let lastParent = null;
+let lastParentSkips = false;
 const undrawn = { __proto__: null, title: true, desc: true, defs: true, metadata: true };
 
 // The focused element, also in shadow roots; null if none is.
