@@ -243,24 +243,10 @@ void BrowserTab::leaveFullScreen()
 void BrowserTab::close()
 {
     m_isClosed = true;
-    releasePage();
-}
-
-void BrowserTab::releasePage()
-{
     if (!m_page)
         return;
     emit pageGoing();
     m_page.reset();
-    m_questions.clear();
-    m_isLoading = false;
-    m_canGoBack = false;
-    m_canGoForward = false;
-    m_responds = true;
-    emit questionsChanged();
-    emit isLoadingChanged(false);
-    emit historyChanged();
-    setStatus({}, false, false);
 }
 
 void BrowserTab::applyZoom()
