@@ -32,8 +32,8 @@ protected:
     }
     void moveTo(QPoint at)
     {
-        QMouseEvent event(QEvent::MouseMove, at, target().mapToGlobal(at), Qt::NoButton, Qt::NoButton,
-                          Qt::NoModifier);
+        QMouseEvent event(QEvent::MouseMove, at, target().mapToGlobal(at), Qt::NoButton,
+                          Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&target(), &event);
     }
     void press(Qt::Key key, const QString& text = {})
@@ -43,8 +43,9 @@ protected:
             QCoreApplication::sendEvent(&target(), &event);
         }
     }
-    std::pair<int, int> find(const QString& text,
-                             PageEngine::FindDirection direction = PageEngine::FindDirection::Forward)
+    std::pair<int, int>
+    find(const QString& text,
+         PageEngine::FindDirection direction = PageEngine::FindDirection::Forward)
     {
         std::optional<std::pair<int, int>> result;
         page->find(text, direction, [&](int active, int count) { result = {active, count}; });
@@ -59,13 +60,15 @@ TEST_F(WebWindowTest, ThePageLiesWhereItsWidgetLies)
 {
     ASSERT_TRUE(show("<!doctype html>words"));
     EXPECT_TRUE(page->isPlaced());
-    EXPECT_EQ(value(QStringLiteral("return [innerWidth, innerHeight].join()")), QStringLiteral("600,400"));
+    EXPECT_EQ(value(QStringLiteral("return [innerWidth, innerHeight].join()")),
+              QStringLiteral("600,400"));
 
     page->widget()->resize(500, 300);
 
     EXPECT_EQ(page->size(), QSize(500, 300));
     EXPECT_TRUE(spinUntil([this] {
-        return value(QStringLiteral("return [innerWidth, innerHeight].join()")) == QStringLiteral("500,300");
+        return value(QStringLiteral("return [innerWidth, innerHeight].join()")) ==
+               QStringLiteral("500,300");
     }));
     page->widget()->setParent(nullptr);
     EXPECT_FALSE(page->isPlaced());
@@ -74,7 +77,8 @@ TEST_F(WebWindowTest, ThePageLiesWhereItsWidgetLies)
 TEST_F(WebWindowTest, AHiddenPageRestsUntilItIsDriven)
 {
     ASSERT_TRUE(show("<!doctype html>words<script>window.seen = [];"
-                     "addEventListener('visibilitychange', () => seen.push(document.visibilityState))</script>"));
+                     "addEventListener('visibilitychange', () => "
+                     "seen.push(document.visibilityState))</script>"));
     EXPECT_EQ(value(QStringLiteral("return document.visibilityState")), QStringLiteral("visible"));
 
     m_window.hide();
@@ -82,7 +86,8 @@ TEST_F(WebWindowTest, AHiddenPageRestsUntilItIsDriven)
     page->widget()->hide();
 
     EXPECT_TRUE(spinUntil([this] {
-        return value(QStringLiteral("return document.visibilityState")) == QStringLiteral("visible");
+        return value(QStringLiteral("return document.visibilityState")) ==
+               QStringLiteral("visible");
     }));
     page->widget()->show();
     EXPECT_EQ(value(QStringLiteral("return document.visibilityState")), QStringLiteral("visible"));
@@ -112,8 +117,10 @@ TEST_F(WebWindowTest, TheMenuIsTheProgramsOwn)
 
 TEST_F(WebWindowTest, TheLinkUnderThePointerIsTold)
 {
-    ASSERT_TRUE(show("<!doctype html><body style='margin:0'><a href=/link style='display:block;height:100px'>link</a>"));
-    value(QStringLiteral("await new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))"));
+    ASSERT_TRUE(show("<!doctype html><body style='margin:0'><a href=/link "
+                     "style='display:block;height:100px'>link</a>"));
+    value(QStringLiteral(
+        "await new Promise(r => requestAnimationFrame(() => requestAnimationFrame(r)))"));
 
     moveTo(QPoint(10, 10));
     EXPECT_TRUE(spinUntil([this] { return notes.hovered == site.url(QStringLiteral("/link")); }));
@@ -149,7 +156,8 @@ TEST_F(WebWindowTest, AnEngineThatGoesEndsItsSearch)
 {
     ASSERT_TRUE(show("<!doctype html><p>one</p>"));
     int ends = 0;
-    page->find(QStringLiteral("one"), PageEngine::FindDirection::Forward, [&ends](int, int) { ++ends; });
+    page->find(QStringLiteral("one"), PageEngine::FindDirection::Forward,
+               [&ends](int, int) { ++ends; });
 
     page.reset();
 
@@ -158,8 +166,9 @@ TEST_F(WebWindowTest, AnEngineThatGoesEndsItsSearch)
 
 TEST_F(WebWindowTest, FullScreenIsTheUsersClickAndEscapeEndsIt)
 {
-    ASSERT_TRUE(show("<!doctype html><body style='height:100vh'>words<script>"
-                     "addEventListener('click', () => document.body.requestFullscreen())</script>"));
+    ASSERT_TRUE(
+        show("<!doctype html><body style='height:100vh'>words<script>"
+             "addEventListener('click', () => document.body.requestFullscreen())</script>"));
 
     click(QPoint(50, 50));
     ASSERT_TRUE(spinUntil([this] { return notes.fullScreen == std::vector<bool>{true}; }));
@@ -175,19 +184,23 @@ TEST_F(WebWindowTest, FullScreenIsTheUsersClickAndEscapeEndsIt)
 
 TEST_F(WebWindowTest, KeysAndTheEditingCommandsReachAField)
 {
-    ASSERT_TRUE(show("<!doctype html><body style='margin:0'><textarea style='height:200px;width:300px'></textarea>words"));
+    ASSERT_TRUE(show("<!doctype html><body style='margin:0'><textarea "
+                     "style='height:200px;width:300px'></textarea>words"));
     page->widget()->setFocus();
     click(QPoint(50, 50));
     press(Qt::Key_A, QStringLiteral("a"));
     press(Qt::Key_B, QStringLiteral("b"));
-    const auto text = [this] { return value(QStringLiteral("return document.querySelector('textarea').value")); };
+    const auto text = [this] {
+        return value(QStringLiteral("return document.querySelector('textarea').value"));
+    };
     ASSERT_TRUE(spinUntil([&] { return text() == QStringLiteral("ab"); }));
 
     page->perform(PageAction::SelectAll);
     page->perform(PageAction::Cut);
 
     EXPECT_TRUE(spinUntil([&] { return text() == QString(); }));
-    EXPECT_TRUE(spinUntil([] { return QApplication::clipboard()->text() == QStringLiteral("ab"); }));
+    EXPECT_TRUE(
+        spinUntil([] { return QApplication::clipboard()->text() == QStringLiteral("ab"); }));
     page->perform(PageAction::Paste);
     EXPECT_TRUE(spinUntil([&] { return text() == QStringLiteral("ab"); }));
     page->perform(PageAction::Undo);
@@ -248,7 +261,8 @@ TEST_F(WebWindowTest, APageThatStandsStillUnderTheUsersHandsIsNoticed)
     PageNotes its;
     WebEngines impatient({}, {.patience = std::chrono::milliseconds(200)});
     const auto stuck = impatient.make(its);
-    site.page(QStringLiteral("/"), "<!doctype html>words<script>setTimeout(() => { while (true); }, 100)</script>");
+    site.page(QStringLiteral("/"),
+              "<!doctype html>words<script>setTimeout(() => { while (true); }, 100)</script>");
     stuck->load(site.url());
     ASSERT_TRUE(spinUntil([&] { return its.commits == 1 && !stuck->isLoading(); }));
     stuck->widget()->show();
@@ -278,8 +292,9 @@ TEST_F(WebWindowTest, ManyPagesComeAndGo)
             pages.back()->load(site.url());
         }
         EXPECT_TRUE(spinUntil([&] {
-            return std::all_of(pages.begin(), pages.end(),
-                               [](const auto& each) { return each->title() == QStringLiteral("Many"); });
+            return std::all_of(pages.begin(), pages.end(), [](const auto& each) {
+                return each->title() == QStringLiteral("Many");
+            });
         }));
     }
 }
