@@ -138,7 +138,8 @@ private:
                 serve(socket);
         };
         // One that speaks TLS has a connection once it is encrypted.
-        QObject::connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, m_server.get(), take);
+        QObject::connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, m_server.get(),
+                         take);
         m_server->listen(QHostAddress::LocalHost);
     }
 

@@ -22,7 +22,8 @@ TEST_F(WebCertificateTest, ACertificateThatNobodyTrustsIsShownNotPassedOver)
     EXPECT_EQ(notes.failures,
               (std::vector<PageLoadError>{
                   {Kind::Certificate,
-                   QStringLiteral("The certificate of 127.0.0.1:%1 comes from nobody this machine trusts.")
+                   QStringLiteral(
+                       "The certificate of 127.0.0.1:%1 comes from nobody this machine trusts.")
                        .arg(secure.port())}}));
     EXPECT_EQ(notes.commits, 0);
     EXPECT_TRUE(secure.requests().empty());
@@ -71,7 +72,8 @@ TEST_F(WebCertificateTest, WhatAPageFetchesInAdditionIsRefusedInSilence)
 {
     ASSERT_TRUE(show("<!doctype html>words"));
 
-    EXPECT_EQ(value(QStringLiteral("return await fetch(url, {mode: 'no-cors'}).then(() => 'yes', () => 'no')"),
+    EXPECT_EQ(value(QStringLiteral(
+                        "return await fetch(url, {mode: 'no-cors'}).then(() => 'yes', () => 'no')"),
                     {{QStringLiteral("url"), secure.url().toString()}}),
               QStringLiteral("no"));
     EXPECT_TRUE(notes.failures.empty());

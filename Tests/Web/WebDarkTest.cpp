@@ -3,8 +3,9 @@
 namespace Bralto {
 namespace {
 
-constexpr auto TwoLooks = "<!doctype html><meta name=color-scheme content='light dark'>"
-                          "<style>@media (prefers-color-scheme: dark) { p { color: #0f0 } }</style><p>words";
+constexpr auto TwoLooks =
+    "<!doctype html><meta name=color-scheme content='light dark'>"
+    "<style>@media (prefers-color-scheme: dark) { p { color: #0f0 } }</style><p>words";
 
 // The engine takes its first look for the whole process, so there is one test.
 TEST(WebDark, APageWithTwoLooksShowsTheDarkOne)
@@ -21,7 +22,8 @@ TEST(WebDark, APageWithTwoLooksShowsTheDarkOne)
     page->call({QStringLiteral("return [matchMedia('(prefers-color-scheme: dark)').matches,"
                                "getComputedStyle(document.querySelector('p')).color].join()"),
                 {}},
-               std::chrono::seconds(10), [&](const PageScriptResult& value) { result.emplace(value); });
+               std::chrono::seconds(10),
+               [&](const PageScriptResult& value) { result.emplace(value); });
 
     ASSERT_TRUE(spinUntil([&] { return result.has_value(); }));
     ASSERT_TRUE(*result);
