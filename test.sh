@@ -14,8 +14,9 @@ preset=${BRALTO_PRESET:-dev}
 # On a machine that others use as well (CI=true) a test program that fails is run once more; the log
 # tells that it was.
 install_packages || { echo "0 passed, 1 failed"; exit 1; }
-# Without them the one test that needs them fails, and says so.
+# Without them the tests that need them fail, and say so.
 install_node_packages Tests/Mcp
+install_node_packages Tests/Scripts
 build_preset "$preset" || { echo "0 passed, 1 failed"; exit 1; }
 
 scratch=$(mktemp -d)

@@ -22,6 +22,9 @@
 
 namespace Bralto {
 
+// The language gives the names that coroutines are called by.
+// NOLINTBEGIN(readability-identifier-naming)
+
 template <typename Result>
 class Task;
 
@@ -156,6 +159,11 @@ private:
 /// A value that a callback brings, to be awaited once. Copies stand for the same value.
 template <typename Value>
 class Arrival {
+    struct State {
+        std::optional<Value> value = {};
+        std::coroutine_handle<> waiter = {};
+    };
+
 public:
     /// The first value counts; whoever waits goes on within this call. A later one, or one for a
     /// coroutine that is gone, is dropped.
@@ -170,7 +178,7 @@ public:
 
     class Awaiter {
     public:
-        explicit Awaiter(std::shared_ptr<typename Arrival::State> state)
+        explicit Awaiter(std::shared_ptr<State> state)
             : m_state(std::move(state))
         {
         }
@@ -183,17 +191,14 @@ public:
         Value await_resume() { return std::move(*m_state->value); }
 
     private:
-        std::shared_ptr<typename Arrival::State> m_state;
+        std::shared_ptr<State> m_state;
     };
     Awaiter operator co_await() const { return Awaiter(m_state); }
 
 private:
-    struct State {
-        std::optional<Value> value = {};
-        std::coroutine_handle<> waiter = {};
-    };
-
     std::shared_ptr<State> m_state = std::make_shared<State>();
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 } // namespace Bralto

@@ -18,7 +18,7 @@ BrowserController::BrowserController(BrowserTabs& tabs, Scheduler& scheduler, co
 
 BrowserController::Tool BrowserController::toolNamed(const QString& name)
 {
-    static const QHash<QString, Tool> Tools{
+    static const QHash<QString, Tool> tools{
         {QStringLiteral("tabs"), &BrowserController::listTabs},
         {QStringLiteral("open"), &BrowserController::open},
         {QStringLiteral("navigate"), &BrowserController::navigate},
@@ -33,7 +33,7 @@ BrowserController::Tool BrowserController::toolNamed(const QString& name)
         {QStringLiteral("console"), &BrowserController::console},
         {QStringLiteral("close"), &BrowserController::close},
     };
-    return Tools.value(name, nullptr);
+    return tools.value(name, nullptr);
 }
 
 void BrowserController::run(const QString& tool, const QJsonObject& arguments,

@@ -93,7 +93,7 @@ Task<ToolOutput> BrowserController::act(QString tool, ToolArguments arguments, P
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(tool);
     co_await wake(tab);
 

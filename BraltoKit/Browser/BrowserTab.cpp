@@ -80,18 +80,18 @@ std::optional<QUrl> BrowserTab::resolve(const QString& typed)
     if (text.isEmpty())
         return std::nullopt;
     if (text.contains(QStringLiteral("://"))) {
-        if (const auto url = parsed(text))
+        if (auto url = parsed(text))
             return url;
     }
     if (text.startsWith(QStringLiteral("localhost")) ||
         text.startsWith(QStringLiteral("127.0.0.1")) ||
         text.startsWith(QStringLiteral("0.0.0.0")) ||
         matches(R"(^\d{1,3}(\.\d{1,3}){3}(:\d+)?(/.*)?$)", text)) {
-        if (const auto url = parsed(QStringLiteral("http://") + text))
+        if (auto url = parsed(QStringLiteral("http://") + text))
             return url;
     }
     if (!text.contains(u' ') && matches(R"(^[\w-]+(\.[\w-]+)+(:\d+)?(/.*)?$)", text)) {
-        if (const auto url = parsed(QStringLiteral("https://") + text))
+        if (auto url = parsed(QStringLiteral("https://") + text))
             return url;
     }
     return searchFor(text);

@@ -36,7 +36,7 @@ Task<ToolOutput> BrowserController::evaluate(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("evaluate"));
 
     const QDateTime start = m_clock.now();

@@ -97,7 +97,7 @@ Task<ToolOutput> BrowserController::screenshot(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("screenshot"));
     co_await wake(tab);
     const Result<PageEngine*> page = pageOf(*tab);
@@ -127,7 +127,7 @@ Task<ToolOutput> BrowserController::wait(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("wait"));
     const Milliseconds timeout = arguments.seconds("timeout", 10, 0.1, 30);
     const Condition condition(arguments);

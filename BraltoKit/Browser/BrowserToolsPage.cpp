@@ -13,7 +13,7 @@ Task<ToolOutput> BrowserController::snapshot(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("snapshot"));
     const int maxChars = arguments.integer("maxChars", 16000, 1000, 200000);
     PageScript script = PageScripts::callOnElement(QStringLiteral("outline"), arguments,
@@ -62,7 +62,7 @@ Task<ToolOutput> BrowserController::scroll(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("scroll"));
     PageScript script =
         PageScripts::callOnElement(QStringLiteral("scroll"), arguments,

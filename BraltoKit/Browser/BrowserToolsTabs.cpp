@@ -77,7 +77,7 @@ Task<ToolOutput> BrowserController::navigate(ToolArguments arguments)
     const Result<Tab> chosen = target(arguments);
     if (!chosen)
         co_return ToolOutput::error(chosen.error().message);
-    const Tab tab = *chosen;
+    const Tab& tab = *chosen;
     const auto acting = tab->markActing(QStringLiteral("navigate"));
     if (const auto wanted = arguments.string("url")) {
         const Result<QUrl> url = ToolTexts::url(*wanted);

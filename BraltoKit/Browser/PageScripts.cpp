@@ -17,10 +17,10 @@ namespace {
 
 QString source(const QString& name)
 {
-    static const bool IsInitialized = (initializePageScripts(), true);
+    static const bool isInitialized = (initializePageScripts(), true);
     QFile file(QStringLiteral(":/Bralto/Browser/Scripts/%1.js").arg(name));
     const bool isOpen = file.open(QIODevice::ReadOnly);
-    Q_ASSERT(IsInitialized && isOpen);
+    Q_ASSERT(isInitialized && isOpen);
     return isOpen ? QString::fromUtf8(file.readAll()) : QString();
 }
 

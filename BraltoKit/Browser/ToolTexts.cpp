@@ -41,11 +41,11 @@ Expected<QUrl, ControlError> ToolTexts::url(const QString& text)
         return QUrl::fromLocalFile(trimmed);
     if (trimmed.startsWith(QStringLiteral("~/")))
         return QUrl::fromLocalFile(QDir::homePath() + trimmed.mid(1));
-    static const QStringList Schemes{QStringLiteral("http"),  QStringLiteral("https"),
+    static const QStringList schemes{QStringLiteral("http"),  QStringLiteral("https"),
                                      QStringLiteral("file"),  QStringLiteral("data"),
                                      QStringLiteral("about"), QStringLiteral("blob")};
     const QUrl url(trimmed, QUrl::TolerantMode);
-    if (url.isValid() && Schemes.contains(url.scheme().toLower()))
+    if (url.isValid() && schemes.contains(url.scheme().toLower()))
         return url;
     if (const auto resolved = BrowserTab::resolve(trimmed))
         return *resolved;

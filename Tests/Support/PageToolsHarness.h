@@ -10,6 +10,7 @@
 #include "Web/WebEngines.h"
 
 #include <QEventLoop>
+#include <QImage>
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,13 @@ protected:
         }
         ADD_FAILURE() << "no line with " << words.toStdString();
         return {};
+    }
+
+    QImage picture(const QJsonObject& arguments = {})
+    {
+        const ToolOutput output = run("screenshot", arguments);
+        const auto* image = std::get_if<ControlMessage::Image>(&output.content.front());
+        return image ? QImage::fromData(image->bytes, "PNG") : QImage();
     }
 
     SiteServer site{QDir::cleanPath(QStringLiteral(BRALTO_FIXTURES "/../Site"))};

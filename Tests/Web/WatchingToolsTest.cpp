@@ -1,30 +1,11 @@
-// wait, console, screenshot, open and navigate on real pages, and what the tools tell of pages that
-// don't behave. What Chromium's driver can't show is tried on our own engine only.
+// wait and screenshot on real pages.
 
 #include "Tests/Support/PageToolsHarness.h"
-
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QImage>
 
 namespace Bralto {
 namespace {
 
-class WatchingTools : public PageTools {
-protected:
-    QImage picture(const QJsonObject& arguments = {})
-    {
-        const ToolOutput output = run("screenshot", arguments);
-        const auto* image = std::get_if<ControlMessage::Image>(&output.content.front());
-        return image ? QImage::fromData(image->bytes, "PNG") : QImage();
-    }
-};
-
-#define OWN_ENGINE_ONLY()                                                                          \
-    if (isChromium())                                                                              \
-    GTEST_SKIP() << "the driver can't tell"
-
-// --- wait
+class WatchingTools : public PageTools {};
 
 TEST_F(WatchingTools, WaitingEndsOnceTheTextIsThere)
 {
@@ -42,9 +23,9 @@ TEST_F(WatchingTools, OnlyWhatIsSeenIsFound)
     for (const char* selector : {"#a", "#b", "#d", "#none"}) {
         SCOPED_TRACE(selector);
         EXPECT_TRUE(run("wait", {{"selector", selector}, {"timeout", 0}}).isError);
-        EXPECT_FALSE(run("wait", {{"selector", selector}, {"timeout", 0}, {"gone", true}}).isError);
+        EXPECT_FALSE(run("wait", {{"selector", selector}, {"gone", true}}).isError);
     }
-    EXPECT_FALSE(run("wait", {{"selector", "#c"}, {"timeout", 0}}).isError);
+    EXPECT_FALSE(run("wait", {{"selector", "#c"}}).isError);
     EXPECT_TRUE(run("wait", {{"text", "Secret"}, {"timeout", 0}}).isError);
     EXPECT_TRUE(run("wait", {{"selector", "#c"}, {"text", "Secret"}, {"timeout", 0}}).isError);
 }
@@ -52,7 +33,7 @@ TEST_F(WatchingTools, OnlyWhatIsSeenIsFound)
 TEST_F(WatchingTools, WaitingLooksIntoShadowRoots)
 {
     open("/shadow.html");
-    EXPECT_FALSE(run("wait", {{"selector", "#deep"}, {"timeout", 1}}).isError);
+    EXPECT_FALSE(run("wait", {{"selector", "#deep"}}).isError);
 }
 
 TEST_F(WatchingTools, WaitingOutlastsANavigation)
@@ -68,158 +49,12 @@ TEST_F(WatchingTools, WaitingForTheLoadTellsThatItIsOver)
     EXPECT_TRUE(text("wait").startsWith("Loaded tab "));
 }
 
-// --- open and navigate
-
-TEST_F(WatchingTools, APageIsOpenedAndLeftAndFoundAgain)
-{
-    OWN_ENGINE_ONLY();
-    open("/arrived.html");
-    EXPECT_TRUE(
-        text("navigate", {{"url", site.url("/controls.html").toString()}}).contains("Controls — "));
-    EXPECT_TRUE(text("navigate", {{"back", true}}).contains("Arrived — "));
-    EXPECT_EQ(error("navigate", {{"back", true}}), "Nothing to go back to in this tab.");
-    EXPECT_TRUE(text("navigate", {{"forward", true}}).contains("Controls — "));
-    EXPECT_TRUE(text("navigate", {{"reload", true}}).contains("Controls — "));
-}
-
-TEST_F(WatchingTools, APageThatNeverEndsCanBeReadAllTheSame)
-{
-    OWN_ENGINE_ONLY();
-    site.route("/endless", [](const SiteServer::Request&) {
-        return SiteServer::Response{200,
-                                    "<!doctype html><title>Endless</title><button>Go</button>",
-                                    "text/html",
-                                    {},
-                                    SiteServer::Response::End::Open};
-    });
-    const QString told = text("open", {{"url", site.url("/endless").toString()}, {"timeout", 1}});
-    EXPECT_TRUE(told.endsWith("(still loading)")) << told.toStdString();
-    EXPECT_EQ(outline(), "- button \"Go\" [ref=e1]");
-    EXPECT_TRUE(text("wait", {{"timeout", 0.5}}).startsWith("Still loading after 0s: "));
-}
-
-TEST_F(WatchingTools, AServerThatIsNotThereIsTold)
-{
-    OWN_ENGINE_ONLY();
-    const QString told = text("open", {{"url", "http://127.0.0.1:9/"}});
-    EXPECT_TRUE(told.startsWith("Opened tab ") && told.contains(" (failed: "))
-        << told.toStdString();
-}
-
-// --- console
-
-TEST_F(WatchingTools, TheConsoleOfAllFramesIsRead)
-{
-    OWN_ENGINE_ONLY();
-    open("/frames.html");
-    text("wait", {{"timeout", 2}});
-    const QString told = text("console");
-    EXPECT_TRUE(told.contains("log: inner 127.0.0.1")) << told.toStdString();
-    EXPECT_TRUE(told.contains("log: inner localhost")) << told.toStdString();
-}
-
-TEST_F(WatchingTools, ErrorsOfThePageAreInItsConsole)
-{
-    OWN_ENGINE_ONLY();
-    show("<script>console.warn('careful', {a: 1}); nosuch()</script>");
-    EXPECT_TRUE(text("console", {{"level", "warning"}}).endsWith("warn: careful {\"a\":1}"));
-    EXPECT_TRUE(text("console", {{"level", "error"}}).contains("nosuch is not defined"));
-}
-
-TEST_F(WatchingTools, AFloodedConsoleKeepsTheNewest)
-{
-    OWN_ENGINE_ONLY();
-    open("/flood.html");
-    text("wait", {{"text", "Stop"}});
-    EXPECT_EQ(value("new Promise((r) => setTimeout(() => r(count), 1500))"), "20000");
-    const QString told = text("console", {{"limit", 1}});
-    EXPECT_TRUE(told.contains("(299 earlier messages not shown)"));
-    EXPECT_TRUE(told.contains("log: message 19999 ")) << told.left(200).toStdString();
-}
-
-// --- screenshot
-
 TEST_F(WatchingTools, AScreenshotShowsThePage)
 {
     show("<body style='margin:0;background:#00f'>");
     const QImage image = picture();
     ASSERT_EQ(image.size(), QSize(1280, 800));
     EXPECT_EQ(image.pixelColor(600, 400), QColor(0, 0, 255));
-}
-
-TEST_F(WatchingTools, AScreenshotCanShowTheWholePage)
-{
-    OWN_ENGINE_ONLY();
-    show("<body style='margin:0;background:#0f0'><div style='height:3000px'></div><p>End</p>");
-    const QImage image = picture({{"fullPage", true}});
-    EXPECT_GT(image.height(), 2500);
-    EXPECT_LE(image.width(), 1280);
-}
-
-// --- pages that don't behave
-
-TEST_F(WatchingTools, AQuestionOfThePageIsToldAndCanBeAnswered)
-{
-    OWN_ENGINE_ONLY();
-    open("/dialogs.html");
-    BrowserTab& tab = *tabs.tabs[0];
-    QStringList told;
-    // While the question is open the engine runs a loop of its own, within the test's.
-    controller.run("click", {{"selector", "#confirm"}}, [&](const ToolOutput& clicked) {
-        told << textOf(clicked);
-        controller.run("snapshot", {}, [&](const ToolOutput& looked) {
-            told << textOf(looked);
-            ASSERT_EQ(tab.questions().size(), 1);
-            tab.answer(tab.questions()[0].id, {.isAccepted = true});
-        });
-    });
-    while (told.size() < 2)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-
-    const QString asks = "The page asks “Delete all?” and stands still until the owner answers in "
-                         "the Bralto window. "
-                         "Use wait, then take a new snapshot.";
-    EXPECT_EQ(told, (QStringList{asks, asks}));
-    EXPECT_FALSE(run("wait", {{"selector", "#alert"}}).isError);
-    EXPECT_EQ(value("document.title"), "\"Deleted\"");
-}
-
-TEST_F(WatchingTools, APageThatBlocksItselfTimesOut)
-{
-    OWN_ENGINE_ONLY();
-    show("<button>Go</button>");
-    value("setTimeout(() => { while (true); }, 0)");
-    const QString told = text("wait", {{"timeout", 1}});
-    EXPECT_TRUE(told.startsWith("Loaded ")) << told.toStdString();
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_TRUE(
-        error("wait", {{"text", "Go"}, {"timeout", 2}}).startsWith("Timed out after 2s waiting"));
-    EXPECT_LT(timer.elapsed(), 4000);
-    tabs.tabs[0]->stopPage();
-}
-
-TEST_F(WatchingTools, ACrashedPageIsToldAndLoadsAgain)
-{
-    OWN_ENGINE_ONLY();
-    open("/arrived.html");
-    BrowserTab& tab = *tabs.tabs[0];
-    tab.stopPage();
-    while (!tab.hasEnded())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-
-    EXPECT_EQ(error("snapshot"),
-              "The page crashed. Use navigate with reload: true to load it again.");
-    EXPECT_TRUE(text("navigate", {{"reload", true}}).contains("Arrived — "));
-    EXPECT_EQ(outline(), "- paragraph: Here you are.");
-}
-
-TEST_F(WatchingTools, ABlankTabIsABlankPage)
-{
-    OWN_ENGINE_ONLY();
-    tabs.add({});
-    EXPECT_TRUE(text("snapshot").contains("URL: about:blank\n"));
-    EXPECT_EQ(value("1 + 1"), "2");
 }
 
 } // namespace

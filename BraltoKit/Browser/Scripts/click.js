@@ -25,7 +25,11 @@ function isRelated(el, hit) {
 function nativeClick(el) {
   // Drawings have no such method.
   if (el instanceof HTMLElement) HTMLElement.prototype.click.call(el);
-  else dispatch(el, new MouseEvent("click", { bubbles: true, cancelable: true, composed: true, view: window }));
+  else
+    dispatch(
+      el,
+      new MouseEvent("click", { bubbles: true, cancelable: true, composed: true, view: window }),
+    );
 }
 
 function click({ ref, selector, double }) {

@@ -179,7 +179,9 @@ function labelText(label) {
 
 function nameOf(el, tag, role) {
   const label = clean(getAttribute(el, "aria-label"));
-  return label || labelledBy(el) || labelsOf(el) || nameByTag(el, tag) || nameByContent(el, tag, role);
+  return (
+    label || labelledBy(el) || labelsOf(el) || nameByTag(el, tag) || nameByContent(el, tag, role)
+  );
 }
 
 function labelledBy(el) {
@@ -235,8 +237,12 @@ function nameByContent(el, tag, role) {
     const text = textOf(el, leafTextRoles[role] ? 300 : 100);
     if (text) return text;
     if (firstElementChildOf(el) || shadowOf(el)) {
-      return innerName(el, "img[alt]", "alt") || innerName(el, "svg[aria-label]", "aria-label") ||
-        innerName(el, "[aria-label]", "aria-label") || innerName(el, "[title]", "title");
+      return (
+        innerName(el, "img[alt]", "alt") ||
+        innerName(el, "svg[aria-label]", "aria-label") ||
+        innerName(el, "[aria-label]", "aria-label") ||
+        innerName(el, "[title]", "title")
+      );
     }
   }
   return clean(getAttribute(el, "title"));
@@ -283,7 +289,10 @@ function selectedText(el) {
 function valuePart(el, tag, role) {
   let value = "";
   if (tag === "SELECT") value = selectedText(el);
-  else if (tag === "TEXTAREA" || (tag === "INPUT" && role !== "button" && !("checkbox radio".includes(el.type))))
+  else if (
+    tag === "TEXTAREA" ||
+    (tag === "INPUT" && role !== "button" && !"checkbox radio".includes(el.type))
+  )
     value = valueOf(el);
   return value ? ` value="${clean(value, 200)}"` : "";
 }
@@ -388,7 +397,13 @@ class Outline {
     if (!text) return;
     const last = this.entries[this.entries.length - 1];
     if (last?.isText && last.depth === depth && last.text.length < 400) last.text += ` ${text}`;
-    else this.entries[this.entries.length] = { depth, text: `text: ${text}`, priority: 2, isText: true };
+    else
+      this.entries[this.entries.length] = {
+        depth,
+        text: `text: ${text}`,
+        priority: 2,
+        isText: true,
+      };
   }
 
   // The depth of the children, or null if they aren't walked.
@@ -401,12 +416,18 @@ class Outline {
     const isInteractive = interactiveRoles[role] === true;
     const isLeafText = leafTextRoles[role] === true;
     const isBare =
-      (isInteractive || isLeafText || role === "heading") && !fieldTags[tag] && !this.#holdsActionable(el);
+      (isInteractive || isLeafText || role === "heading") &&
+      !fieldTags[tag] &&
+      !this.#holdsActionable(el);
     const name = nameOf(el, tag, role);
     if (isLeafText && isBare && !name && !query(el, media)) return null;
 
     const isTextLine = isLeafText && isBare && name !== "";
-    this.#add(depth, this.#line(el, tag, role, name, isTextLine), isInteractive ? 0 : isTextLine ? 2 : 1);
+    this.#add(
+      depth,
+      this.#line(el, tag, role, name, isTextLine),
+      isInteractive ? 0 : isTextLine ? 2 : 1,
+    );
     return isBare || fieldTags[tag] || role === "img" ? null : depth + 1;
   }
 
@@ -414,8 +435,15 @@ class Outline {
     let line = clean(role, 40);
     if (role === "heading") line += ` [level=${levelOf(el, tag)}]`;
     if (name) line += isTextLine ? `: ${name}` : ` "${name}"`;
-    if (interactiveRoles[role] || otherRolesWithRefs[role]) line += ` [ref=${refOf(el, this.#refs)}]`;
-    return line + valuePart(el, tag, role) + flagsPart(el, tag) + linkPart(el, tag) + optionsPart(el, tag);
+    if (interactiveRoles[role] || otherRolesWithRefs[role])
+      line += ` [ref=${refOf(el, this.#refs)}]`;
+    return (
+      line +
+      valuePart(el, tag, role) +
+      flagsPart(el, tag) +
+      linkPart(el, tag) +
+      optionsPart(el, tag)
+    );
   }
 
   // Asked of each element on the way down. Whatever was found below one answers for all in between,
@@ -426,7 +454,11 @@ class Outline {
     if (!shadow && !firstElementChildOf(el)) return false;
     const found = (shadow && deep(shadow, actionable)) ?? deep(el, actionable);
     if (!found) return false;
-    for (let node = drawnParentOf(found); node && !this.#holders.has(node); node = drawnParentOf(node)) {
+    for (
+      let node = drawnParentOf(found);
+      node && !this.#holders.has(node);
+      node = drawnParentOf(node)
+    ) {
       this.#holders.add(node);
       if (node === el) break;
     }

@@ -32,7 +32,6 @@ const matches = nativeMethod(Element.prototype, "matches");
 const boxOf = nativeMethod(Element.prototype, "getBoundingClientRect");
 const scrollIntoView = nativeMethod(Element.prototype, "scrollIntoView");
 const rootOf = nativeMethod(Node.prototype, "getRootNode");
-const contains = nativeMethod(Node.prototype, "contains");
 const dispatch = nativeMethod(EventTarget.prototype, "dispatchEvent");
 
 const elementType = 1;
@@ -50,7 +49,9 @@ function tagOf(el) {
 }
 
 function clean(s, n = 100) {
-  const text = String(s ?? "").replace(/\s+/g, " ").trim();
+  const text = String(s ?? "")
+    .replace(/\s+/g, " ")
+    .trim();
   return text.length > n ? text.slice(0, n - 1) + "…" : text;
 }
 
@@ -165,7 +166,8 @@ const checkVisibility = Element.prototype.checkVisibility;
 function isShown(el) {
   if (checkVisibility) {
     return (
-      checkVisibility.call(el, { checkVisibilityCSS: true }) || getComputedStyle(el).display === "contents"
+      checkVisibility.call(el, { checkVisibilityCSS: true }) ||
+      getComputedStyle(el).display === "contents"
     );
   }
   const style = getComputedStyle(el);
@@ -261,5 +263,8 @@ function setValue(el, value) {
 
 function pageScroll() {
   const page = document.scrollingElement ?? document.documentElement;
-  return { at: Math.round(window.scrollY), most: Math.max(0, page.scrollHeight - window.innerHeight) };
+  return {
+    at: Math.round(window.scrollY),
+    most: Math.max(0, page.scrollHeight - window.innerHeight),
+  };
 }

@@ -63,7 +63,18 @@ function isField(el) {
   return tag === "TEXTAREA" || (tag === "INPUT" && !buttonTypes[el.type]);
 }
 
-const buttonTypes = { __proto__: null, button: 1, submit: 1, reset: 1, image: 1, file: 1, checkbox: 1, radio: 1, range: 1, color: 1 };
+const buttonTypes = {
+  __proto__: null,
+  button: 1,
+  submit: 1,
+  reset: 1,
+  image: 1,
+  file: 1,
+  checkbox: 1,
+  radio: 1,
+  range: 1,
+  color: 1,
+};
 
 function roleAttribute(el) {
   return (getAttribute(el, "role") ?? "").trim().toLowerCase();
@@ -100,7 +111,7 @@ function isToggledBySpace(el) {
     tag === "BUTTON" ||
     tag === "SUMMARY" ||
     (tag === "INPUT" && /^(button|submit|reset|image|file|checkbox|radio)$/.test(el.type)) ||
-    activatedRoles.test(roleAttribute(el)) && roleAttribute(el) === "button" ||
+    (activatedRoles.test(roleAttribute(el)) && roleAttribute(el) === "button") ||
     toggledRoles.test(roleAttribute(el))
   );
 }
@@ -144,7 +155,8 @@ function collectStops(root, stops) {
 
 function backspace(el) {
   if (isEditable(el)) document.execCommand("delete");
-  else if (isField(el)) write(el, Array.from(el.value).slice(0, -1).join(""), "deleteContentBackward", null);
+  else if (isField(el))
+    write(el, Array.from(el.value).slice(0, -1).join(""), "deleteContentBackward", null);
 }
 
 function insert(el, character) {
@@ -182,7 +194,8 @@ function perform(el, pressed, isPrintable) {
   }
   const takesText = isField(el) || isEditable(el);
   if (takesText && pressed.key === "Backspace") backspace(el);
-  else if (takesText && isPrintable) insert(el, pressed.shiftKey ? pressed.key.toUpperCase() : pressed.key);
+  else if (takesText && isPrintable)
+    insert(el, pressed.shiftKey ? pressed.key.toUpperCase() : pressed.key);
   else if (!takesText && tagOf(el) !== "SELECT") scrollBy(pressed);
   return "";
 }
@@ -198,7 +211,12 @@ function press({ ref, selector, key }) {
   if (isFree) {
     if (isPrintable || pressed.key === "Enter") {
       const charCode = pressed.key === "Enter" ? 13 : pressed.key.codePointAt(0);
-      isFree = fireKey(el, "keypress", { ...pressed, charCode, keyCode: charCode, which: charCode });
+      isFree = fireKey(el, "keypress", {
+        ...pressed,
+        charCode,
+        keyCode: charCode,
+        which: charCode,
+      });
     }
     if (isFree) note = perform(el, pressed, isPrintable);
   }

@@ -1,6 +1,16 @@
 // Puts text into a field, so that the page's framework hears of it.
 
-const typeless = { __proto__: null, button: 1, submit: 1, reset: 1, image: 1, file: 1, hidden: 1, checkbox: 1, radio: 1 };
+const typeless = {
+  __proto__: null,
+  button: 1,
+  submit: 1,
+  reset: 1,
+  image: 1,
+  file: 1,
+  hidden: 1,
+  checkbox: 1,
+  radio: 1,
+};
 
 function isTextField(el) {
   const tag = tagOf(el);
