@@ -186,6 +186,19 @@ TEST_F(WebWindowTest, AnAddressForAnotherProgramIsAFailure)
     EXPECT_EQ(page->title(), QStringLiteral("Next"));
 }
 
+TEST_F(WebWindowTest, TheMousesOwnButtonsGoThroughTheHistory)
+{
+    ASSERT_TRUE(show("<!doctype html><title>One</title>words", QStringLiteral("/1")));
+    ASSERT_TRUE(show("<!doctype html><title>Two</title>words", QStringLiteral("/2")));
+
+    click(QPoint(50, 50), Qt::BackButton);
+    ASSERT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("One"); }));
+    ASSERT_TRUE(spinUntil([this] { return !page->isLoading(); }));
+    click(QPoint(50, 50), Qt::ForwardButton);
+
+    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Two"); }));
+}
+
 TEST_F(WebWindowTest, TextIsFoundAndCounted)
 {
     ASSERT_TRUE(show("<!doctype html><p>one two one</p><p>One</p>"));
