@@ -3,6 +3,7 @@
 #include "Base/Background.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
 #include <QImageReader>
 
 #include <algorithm>
@@ -15,6 +16,8 @@ namespace {
 /// what it showed last will do.
 constexpr std::chrono::milliseconds FrameLimit{1500};
 constexpr std::chrono::milliseconds FramePause{30};
+constexpr std::chrono::milliseconds LeastWay{25};
+constexpr std::chrono::milliseconds LongestWay{400};
 /// Attaching takes up to a second on a busy machine, and so does a long page.
 constexpr std::chrono::seconds WholeLimit{12};
 /// Takes a third of the time of the default, for a tenth more of bytes.
@@ -116,11 +119,37 @@ void WebPictures::end(quint64 id, const PagePictureResult& result)
 void WebPictures::takeVisible(quint64 id)
 {
     const QPointer<WebPictures> self(this);
+    const quint64 frames = m_place.view().frames();
+    QElapsedTimer clock;
+    clock.start();
     // Whether or not the page could say so: what there is, is drawn.
-    m_calls.awaitFrame(FrameLimit, [self, id](const PageScriptResult&) {
-        if (self)
+    m_calls.awaitFrame(FrameLimit, [self, id, frames, clock](const PageScriptResult&) {
+        if (!self)
+            return;
+        // The page has drawn, and what it drew may still be on its way here: on a busy machine for
+        // as long as the page itself took. Where nothing changed, nothing comes.
+        const auto limit =
+            std::clamp(std::chrono::milliseconds(clock.elapsed()), LeastWay, LongestWay);
+        if (self->m_place.view().frames() != frames)
             self->grab(id);
+        else
+            self->awaitDrawing(id, limit);
     });
+}
+
+void WebPictures::awaitDrawing(quint64 id, std::chrono::milliseconds limit)
+{
+    auto* timer = new QTimer(this);
+    timer->setSingleShot(true);
+    connect(timer, &QTimer::timeout, this, [this, id, timer] {
+        timer->deleteLater();
+        timer->disconnect();
+        m_place.view().disconnect(timer);
+        grab(id);
+    });
+    // In a later turn: the view is in the middle of its drawing.
+    connect(&m_place.view(), &WebView::frameDrawn, timer, [timer] { timer->start(0); });
+    timer->start(limit);
 }
 
 void WebPictures::grab(quint64 id)

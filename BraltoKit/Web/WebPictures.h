@@ -38,6 +38,7 @@ private:
         QTimer limit;
     };
     void takeVisible(quint64 id);
+    void awaitDrawing(quint64 id, std::chrono::milliseconds limit);
     void grab(quint64 id);
     void takeWhole(quint64 id);
     void measure();

@@ -57,7 +57,12 @@ bool WebView::eventFilter(QObject* watched, QEvent* event)
             static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
             emit escapePressed();
     }
-    return QWebEngineView::eventFilter(watched, event);
+    const bool isHandled = QWebEngineView::eventFilter(watched, event);
+    if (event->type() == QEvent::Paint) {
+        ++m_frames;
+        emit frameDrawn();
+    }
+    return isHandled;
 }
 
 } // namespace Bralto

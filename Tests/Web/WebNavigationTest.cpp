@@ -336,7 +336,7 @@ TEST_F(WebNavigationTest, ACrashIsTheEndOfThePage)
 class WebTimeoutTest : public WebTest {
 protected:
     WebTimeoutTest()
-        : WebTest({std::chrono::milliseconds(300), std::chrono::milliseconds(300)})
+        : WebTest({std::chrono::seconds(2), std::chrono::seconds(1)})
     {
     }
 };
@@ -369,7 +369,7 @@ TEST_F(WebTimeoutTest, APageThatNeverEndsIsThereAllTheSame)
 
     ASSERT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Endless"); }));
     EXPECT_TRUE(page->isLoading());
-    EXPECT_EQ(value(QStringLiteral("await new Promise(r => setTimeout(r, 400)); return 1")), 1);
+    EXPECT_EQ(value(QStringLiteral("await new Promise(r => setTimeout(r, 2200)); return 1")), 1);
     EXPECT_TRUE(notes.failures.empty());
 }
 
@@ -377,7 +377,7 @@ TEST_F(WebTimeoutTest, APageThatStandsStillIsNoticedAndCanBeEnded)
 {
     ASSERT_TRUE(show(Plain));
 
-    const PageScriptError stuck = error(QStringLiteral("while (true);"), {}, 3);
+    const PageScriptError stuck = error(QStringLiteral("while (true);"), {}, 6);
 
     EXPECT_EQ(stuck.kind, PageScriptError::Kind::TimedOut);
     EXPECT_EQ(notes.responses, std::vector<bool>{false});
