@@ -80,18 +80,18 @@ std::optional<QUrl> BrowserTab::resolve(const QString& typed)
     if (text.isEmpty())
         return std::nullopt;
     if (text.contains(QStringLiteral("://"))) {
-        if (const auto url = parsed(text))
+        if (auto url = parsed(text))
             return url;
     }
     if (text.startsWith(QStringLiteral("localhost")) ||
         text.startsWith(QStringLiteral("127.0.0.1")) ||
         text.startsWith(QStringLiteral("0.0.0.0")) ||
         matches(R"(^\d{1,3}(\.\d{1,3}){3}(:\d+)?(/.*)?$)", text)) {
-        if (const auto url = parsed(QStringLiteral("http://") + text))
+        if (auto url = parsed(QStringLiteral("http://") + text))
             return url;
     }
     if (!text.contains(u' ') && matches(R"(^[\w-]+(\.[\w-]+)+(:\d+)?(/.*)?$)", text)) {
-        if (const auto url = parsed(QStringLiteral("https://") + text))
+        if (auto url = parsed(QStringLiteral("https://") + text))
             return url;
     }
     return searchFor(text);
@@ -243,24 +243,10 @@ void BrowserTab::leaveFullScreen()
 void BrowserTab::close()
 {
     m_isClosed = true;
-    releasePage();
-}
-
-void BrowserTab::releasePage()
-{
     if (!m_page)
         return;
     emit pageGoing();
     m_page.reset();
-    m_questions.clear();
-    m_isLoading = false;
-    m_canGoBack = false;
-    m_canGoForward = false;
-    m_responds = true;
-    emit questionsChanged();
-    emit isLoadingChanged(false);
-    emit historyChanged();
-    setStatus({}, false, false);
 }
 
 void BrowserTab::applyZoom()

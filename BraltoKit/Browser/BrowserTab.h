@@ -93,9 +93,7 @@ public:
     void openInDefaultBrowser();
     void answer(quint64 question, const PageAnswer& answer);
     void leaveFullScreen();
-    void close(); ///< Releases the page for good.
-    /// Lets go of the page; the next who needs it gets another one, at the same address.
-    void releasePage();
+    void close(); ///< Releases the page.
 
     /// Marks the tab as driven for as long as the result lives.
     [[nodiscard]] std::shared_ptr<void> markActing(const QString& tool);

@@ -81,7 +81,7 @@ QString server(const QUrl& url)
 
 QString address(const QUrl& url)
 {
-    return url.isLocalFile() ? url.toLocalFile() : url.toDisplayString();
+    return url.isLocalFile() ? url.toLocalFile().simplified() : url.toDisplayString().simplified();
 }
 
 QString statusName(int status)

@@ -70,6 +70,7 @@ bool WebNavigation::canGoForward() const
 
 void WebNavigation::begin(const QUrl& url)
 {
+    m_hasEnded = false;
     m_wanted = url;
     m_isLoading = true;
     m_isCommitted = false;
@@ -85,7 +86,6 @@ void WebNavigation::begin(const QUrl& url)
 
 void WebNavigation::load(const QUrl& url)
 {
-    m_hasEnded = false;
     begin(url);
     m_page.load(url);
     emit changed();

@@ -36,6 +36,8 @@ public:
     [[nodiscard]] bool canGoForward() const;
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] double progress() const { return m_progress; }
+    /// The page's process is gone, and no load has started another.
+    [[nodiscard]] bool hasEnded() const { return m_hasEnded; }
 
     /// A document at `url` says that it took the old one's place, and no script runs in that any
     /// more.

@@ -10,6 +10,7 @@
 #include <QWebEngineScriptCollection>
 
 #include <csignal>
+#include <initializer_list>
 
 namespace Bralto {
 
@@ -79,12 +80,16 @@ WebPage::WebPage(WebEngines& engines, PageDelegate& delegate)
 
 WebPage::~WebPage()
 {
+    m_isEnding = true;
     delete m_inspector;
     if (const auto found = std::exchange(m_found, nullptr))
         found(0, 0);
     m_calls.endAll({PageScriptError::Kind::Ended});
     m_questions.withdrawAll();
-    m_contents.disconnect(this);
+    // The parts go one by one, and none may tell the others.
+    for (QObject* part : std::initializer_list<QObject*>{&m_contents, &m_navigation, &m_calls,
+                                                         &m_questions, &m_heartbeat, &m_logins})
+        part->disconnect(this);
     m_engines.retire(m_contents, m_place.widget());
 }
 
@@ -102,8 +107,11 @@ void WebPage::connectNavigation()
     connect(&m_navigation, &WebNavigation::committed, this, [this] {
         m_hasDocument = true;
         layPaper();
+        m_isFullScreen = false;
         const QPointer<WebPage> self(this);
         m_delegate.pageCommitted();
+        if (self)
+            m_delegate.pageHovered({});
         if (self)
             m_delegate.pageChanged();
     });
@@ -234,7 +242,11 @@ void WebPage::load(const QUrl& url)
 void WebPage::call(const PageScript& script, std::chrono::milliseconds timeout,
                    std::function<void(PageScriptResult)> done)
 {
-    if (const PageQuestion* blocking = m_questions.blocking())
+    if (m_isEnding)
+        done(Unexpected{PageScriptError{PageScriptError::Kind::Ended}});
+    else if (m_navigation.hasEnded())
+        m_calls.refuse({PageScriptError::Kind::Ended}, std::move(done));
+    else if (const PageQuestion* blocking = m_questions.blocking())
         m_calls.refuse({PageScriptError::Kind::Asking, {}, blocking->text}, std::move(done));
     else
         m_calls.call(script, timeout, std::move(done));
@@ -242,7 +254,10 @@ void WebPage::call(const PageScript& script, std::chrono::milliseconds timeout,
 
 void WebPage::picture(PageExtent extent, std::function<void(PagePictureResult)> done)
 {
-    m_pictures.take(extent, m_questions.blocking() != nullptr, std::move(done));
+    if (m_isEnding)
+        done(Unexpected{PagePictureError::NothingDrawn});
+    else
+        m_pictures.take(extent, m_questions.blocking() != nullptr, std::move(done));
 }
 
 void WebPage::setZoomFactor(double factor)
@@ -266,6 +281,10 @@ void WebPage::layPaper()
 void WebPage::find(const QString& text, FindDirection direction,
                    std::function<void(int active, int count)> done)
 {
+    if (m_isEnding) {
+        done(0, 0);
+        return;
+    }
     // The engine forgets a search for the next one.
     if (const auto found = std::exchange(m_found, std::move(done)))
         found(0, 0);

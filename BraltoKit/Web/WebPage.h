@@ -91,6 +91,7 @@ private:
     bool m_isDark = false;
     bool m_hasDocument = false;
     bool m_isFullScreen = false;
+    bool m_isEnding = false;
 };
 
 } // namespace Bralto

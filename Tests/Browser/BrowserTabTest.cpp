@@ -345,22 +345,6 @@ TEST_F(BrowserTabTest, APageThatStandsStillMakesWayForTheNextLoad)
     EXPECT_TRUE(tab->hasEnded()) << "of itself this time";
 }
 
-TEST_F(BrowserTabTest, AReleasedPageIsMadeAnewWhenItIsNeeded)
-{
-    const auto tab = open("http://one.test/");
-    told().pageAsked({.id = 1});
-    const QSignalSpy going(tab.get(), &BrowserTab::pageGoing);
-
-    tab->releasePage();
-    EXPECT_EQ(going.count(), 1);
-    EXPECT_TRUE(pages.alive.empty());
-    EXPECT_TRUE(tab->questions().empty());
-    EXPECT_FALSE(tab->isLoading());
-
-    EXPECT_NE(tab->page(), nullptr);
-    EXPECT_EQ(page().loads, std::vector{QUrl("http://one.test/")});
-}
-
 TEST_F(BrowserTabTest, TheLastToolAtWorkIsNamed)
 {
     const auto tab = open("http://one.test/");

@@ -5,12 +5,17 @@
 #include <QHostAddress>
 #include <QMimeDatabase>
 #include <QPointer>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace Bralto {
@@ -44,23 +49,36 @@ public:
     explicit SiteServer(const QString& folder = {})
         : m_folder(folder)
     {
-        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
-            while (QTcpSocket* socket = m_server.nextPendingConnection())
-                serve(socket);
-        });
-        m_server.listen(QHostAddress::LocalHost);
+        listen(std::make_unique<QTcpServer>());
     }
 
-    [[nodiscard]] int port() const { return m_server.serverPort(); }
+    /// Speaks TLS, with a certificate that nobody trusts.
+    struct Secure {};
+    explicit SiteServer(Secure)
+        : m_scheme(QStringLiteral("https"))
+    {
+        const auto read = [](const char* name) {
+            QFile file(QStringLiteral(BRALTO_FIXTURES "/Web/") + QLatin1String(name));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(QSslCertificate(read("server.crt")));
+        configuration.setPrivateKey(QSslKey(read("server.key"), QSsl::Ec));
+        auto server = std::make_unique<QSslServer>();
+        server->setSslConfiguration(configuration);
+        listen(std::move(server));
+    }
+
+    [[nodiscard]] int port() const { return m_server->serverPort(); }
     /// `host` may be "localhost" where another origin is wanted.
     [[nodiscard]] QUrl url(const QString& path = QStringLiteral("/"),
                            const QString& host = QStringLiteral("127.0.0.1")) const
     {
-        return QUrl(QStringLiteral("http://%1:%2%3").arg(host).arg(port()).arg(path));
+        return QUrl(QStringLiteral("%1://%2:%3%4").arg(m_scheme, host).arg(port()).arg(path));
     }
 
     /// Refuses connections from now on.
-    void close() { m_server.close(); }
+    void close() { m_server->close(); }
 
     void route(const QString& path, Handler handler) { m_routes[path] = std::move(handler); }
     void page(const QString& path, const QByteArray& html)
@@ -112,6 +130,19 @@ public:
     }
 
 private:
+    void listen(std::unique_ptr<QTcpServer> server)
+    {
+        m_server = std::move(server);
+        const auto take = [this] {
+            while (QTcpSocket* socket = m_server->nextPendingConnection())
+                serve(socket);
+        };
+        // One that speaks TLS has a connection once it is encrypted.
+        QObject::connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, m_server.get(),
+                         take);
+        m_server->listen(QHostAddress::LocalHost);
+    }
+
     void serve(QTcpSocket* socket)
     {
         QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
@@ -192,7 +223,8 @@ private:
     }
 
     const QString m_folder;
-    QTcpServer m_server;
+    const QString m_scheme = QStringLiteral("http");
+    std::unique_ptr<QTcpServer> m_server;
     std::map<QString, Handler> m_routes;
     std::vector<Request> m_requests;
     std::vector<std::pair<QPointer<QTcpSocket>, Response>> m_held;

@@ -161,6 +161,33 @@ TEST_F(WebCallTest, TheEndOfTheProcessEndsItsCalls)
         Kind::Ended);
 }
 
+TEST_F(WebCallTest, APageWithoutAProcessAnswersNothing)
+{
+    ASSERT_TRUE(show(Plain));
+    page->terminate();
+    ASSERT_TRUE(spinUntil([this] { return notes.ends == 1; }));
+
+    EXPECT_EQ(error(QStringLiteral("return 1")).kind, Kind::Ended);
+}
+
+TEST_F(WebCallTest, ADoneMayCallAgainWhileTheEngineGoes)
+{
+    ASSERT_TRUE(show(Plain));
+    int ends = 0;
+    PageEngine* engine = page.get();
+    page->call({QStringLiteral("await new Promise(() => {})"), {}}, std::chrono::seconds(20),
+               [&, engine](const PageScriptResult&) {
+                   engine->call({QStringLiteral("return 1"), {}}, std::chrono::seconds(20),
+                                [&ends](const PageScriptResult& result) { ends += result ? 0 : 1; });
+                   engine->picture(PageExtent::Whole,
+                                   [&ends](const PagePictureResult& result) { ends += result ? 0 : 1; });
+               });
+
+    page.reset();
+
+    EXPECT_EQ(ends, 2);
+}
+
 TEST_F(WebCallTest, TheEndOfTheEngineEndsItsCalls)
 {
     ASSERT_TRUE(show(Plain));

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMouseEvent>
+#include <QTemporaryDir>
 #include <QWidget>
 
 namespace Bralto {
@@ -201,6 +202,53 @@ TEST_F(WebQuestionsTest, TwoPagesMayAskAtOnce)
     EXPECT_TRUE(spinUntil([&] {
         return page->title() == QStringLiteral("true") && other->title() == QStringLiteral("true");
     }));
+}
+
+TEST_F(WebQuestionsTest, DocumentsOfEveryKindAsk)
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("page.html")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(Plain);
+    file.close();
+    site.route(QStringLiteral("/strict"), [](const SiteServer::Request&) {
+        return SiteServer::Response{200, "<!doctype html>words", "text/html",
+                                    {{"Content-Security-Policy", "default-src 'none'"}}};
+    });
+    site.page(QStringLiteral("/frame"), "<!doctype html><iframe srcdoc='words'></iframe>");
+    for (const QUrl& url : {QUrl::fromLocalFile(file.fileName()), QUrl(QStringLiteral("data:text/html,words")),
+                            QUrl(QStringLiteral("about:blank")), site.url(QStringLiteral("/strict")),
+                            site.url(QStringLiteral("/frame"))}) {
+        SCOPED_TRACE(url.toString().toStdString());
+        ASSERT_TRUE(load(url));
+        notes.questions.clear();
+        whenAsked([this](const PageQuestion& question) {
+            page->answer(question.id, {true, QStringLiteral("ä\"")});
+        });
+
+        run(QStringLiteral("const w = self.length ? self[0] : self; document.title = w.prompt('a&b\\ud800', 'c')"));
+
+        EXPECT_TRUE(titleBecomes(QStringLiteral("ä\"")));
+        ASSERT_EQ(notes.questions.size(), 1U);
+        EXPECT_TRUE(notes.questions[0].text.startsWith(QStringLiteral("a&b")));
+        std::printf("%s from %s\n", qPrintable(url.scheme()), qPrintable(notes.questions[0].origin));
+    }
+}
+
+TEST_F(WebQuestionsTest, OtherPagesRunWhileOneAsks)
+{
+    site.page(QStringLiteral("/other"), "<!doctype html><title>Other</title>words");
+    PageNotes otherNotes;
+    const std::unique_ptr<PageEngine> other = engines.make(otherNotes);
+    ASSERT_TRUE(show(Plain));
+    run(QStringLiteral("alert('look')"));
+    ASSERT_TRUE(spinUntil([this] { return notes.questions.size() == 1; }));
+
+    other->load(site.url(QStringLiteral("/other")));
+
+    EXPECT_TRUE(spinUntil([&] { return other->title() == QStringLiteral("Other") && !other->isLoading(); }));
+    page->answer(notes.questions[0].id, {});
+    EXPECT_EQ(value(QStringLiteral("return 1")), 1);
 }
 
 TEST_F(WebQuestionsTest, WhoeverIsNotAllowedMayNot)

@@ -185,7 +185,7 @@ TEST_F(WebWindowTest, FullScreenIsTheUsersClickAndEscapeEndsIt)
 TEST_F(WebWindowTest, KeysAndTheEditingCommandsReachAField)
 {
     ASSERT_TRUE(show("<!doctype html><body style='margin:0'><textarea "
-                     "style='height:200px;width:300px'></textarea>"));
+                     "style='height:200px;width:300px'></textarea>words"));
     page->widget()->setFocus();
     click(QPoint(50, 50));
     press(Qt::Key_A, QStringLiteral("a"));
