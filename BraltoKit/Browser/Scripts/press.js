@@ -30,7 +30,7 @@ const keyCodes = {
   " ": 32,
 };
 const activatedRoles = /^(button|link|menuitem|option|tab)$/;
-const toggledRoles = /^(checkbox|switch)$/;
+const toggledRoles = /^(button|checkbox|switch)$/;
 const focusable =
   "a[href], area[href], button, input, select, textarea, summary, iframe, audio[controls], " +
   "video[controls], [tabindex], [contenteditable]";
@@ -111,7 +111,6 @@ function isToggledBySpace(el) {
     tag === "BUTTON" ||
     tag === "SUMMARY" ||
     (tag === "INPUT" && /^(button|submit|reset|image|file|checkbox|radio)$/.test(el.type)) ||
-    (activatedRoles.test(roleAttribute(el)) && roleAttribute(el) === "button") ||
     toggledRoles.test(roleAttribute(el))
   );
 }
