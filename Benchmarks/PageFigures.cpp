@@ -1,5 +1,5 @@
 // What a page costs: `bralto-page-figures` prints a row a measure. Real pages of the real engine,
-// without a screen, from a server in this process.
+// without a screen (unless QT_QPA_PLATFORM names one), from a server in this process.
 
 #include "Tests/Support/PageNotes.h"
 #include "Tests/Support/SiteServer.h"
@@ -78,8 +78,10 @@ QByteArray article()
 
 int main(int argc, char** argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qunsetenv("DISPLAY");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qunsetenv("DISPLAY");
+    }
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     const QApplication application(argc, argv);
     qputenv("BRALTO_FIGURES", QByteArray::number(QCoreApplication::applicationPid()));

@@ -1,6 +1,6 @@
 #include "Web/LoadErrors.h"
 
-#include <QFileInfo>
+#include <QStringList>
 
 #include <algorithm>
 #include <iterator>
@@ -122,8 +122,7 @@ PageLoadError forNetwork(int code, const QUrl& url)
     if (code == Aborted)
         return {PageLoadError::Kind::Cancelled, QStringLiteral("The load was cancelled.")};
     if (code == UnknownScheme || code == DisallowedScheme)
-        return {PageLoadError::Kind::Failed,
-                QStringLiteral("Pages have no addresses that begin with “%1:”.").arg(url.scheme())};
+        return forScheme(url);
     const auto kind =
         isCertificate(code) ? PageLoadError::Kind::Certificate : PageLoadError::Kind::Failed;
     const auto* const found =
@@ -149,6 +148,22 @@ PageLoadError forStatus(int status, const QUrl& url)
         name.isEmpty() ? QString::number(status) : QStringLiteral("%1 %2").arg(status).arg(name);
     return {PageLoadError::Kind::Failed,
             QStringLiteral("%1 answered “%2” and sent no page.").arg(server(url), answer)};
+}
+
+bool isForPages(const QUrl& url)
+{
+    // Not javascript:, which would run in the page that is there.
+    static const QStringList schemes{QStringLiteral("http"),   QStringLiteral("https"),
+                                     QStringLiteral("file"),   QStringLiteral("data"),
+                                     QStringLiteral("about"),  QStringLiteral("blob"),
+                                     QStringLiteral("chrome"), QStringLiteral("view-source")};
+    return schemes.contains(url.scheme());
+}
+
+PageLoadError forScheme(const QUrl& url)
+{
+    return {PageLoadError::Kind::Failed,
+            QStringLiteral("Pages have no addresses that begin with “%1:”.").arg(url.scheme())};
 }
 
 PageLoadError timedOut(const QUrl& url)

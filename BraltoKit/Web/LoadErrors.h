@@ -13,6 +13,11 @@ namespace Bralto::LoadErrors {
 /// For an answer with this status and nothing to show.
 [[nodiscard]] PageLoadError forStatus(int status, const QUrl& url);
 
+/// Whether the engine has pages at addresses of this kind, and the program lets one be asked for.
+[[nodiscard]] bool isForPages(const QUrl& url);
+/// For an address of another kind.
+[[nodiscard]] PageLoadError forScheme(const QUrl& url);
+
 /// The server at `url` took longer than a load may.
 [[nodiscard]] PageLoadError timedOut(const QUrl& url);
 

@@ -34,7 +34,6 @@ WebNavigation::WebNavigation(QWebEnginePage& page, WebCertificates& certificates
         fail(LoadErrors::timedOut(url));
     });
     m_errorTimer.setSingleShot(true);
-    m_errorTimer.setInterval(ErrorPageLimit);
     connect(&m_errorTimer, &QTimer::timeout, this, &WebNavigation::tellError);
     connect(&page, &QWebEnginePage::loadingChanged, this, &WebNavigation::follow);
     connect(&page, &QWebEnginePage::loadProgress, this, [this](int percent) {
@@ -87,7 +86,12 @@ void WebNavigation::begin(const QUrl& url)
 void WebNavigation::load(const QUrl& url)
 {
     begin(url);
-    m_page.load(url);
+    if (LoadErrors::isForPages(url)) {
+        m_page.load(url);
+    } else {
+        m_error = LoadErrors::forScheme(url);
+        m_errorTimer.start(0);
+    }
     emit changed();
 }
 
@@ -216,7 +220,7 @@ void WebNavigation::finish(const QWebEngineLoadingInfo& info)
     if (m_isErrorThere || !info.isErrorPage())
         tellError();
     else
-        m_errorTimer.start();
+        m_errorTimer.start(ErrorPageLimit);
 }
 
 void WebNavigation::tellError()

@@ -1,5 +1,6 @@
 #include "Web/WebPlace.h"
 
+#include <QEvent>
 #include <QWidget>
 
 #include <chrono>

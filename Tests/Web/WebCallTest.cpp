@@ -175,13 +175,14 @@ TEST_F(WebCallTest, ADoneMayCallAgainWhileTheEngineGoes)
     ASSERT_TRUE(show(Plain));
     int ends = 0;
     PageEngine* engine = page.get();
-    page->call({QStringLiteral("await new Promise(() => {})"), {}}, std::chrono::seconds(20),
-               [&, engine](const PageScriptResult&) {
-                   engine->call({QStringLiteral("return 1"), {}}, std::chrono::seconds(20),
-                                [&ends](const PageScriptResult& result) { ends += result ? 0 : 1; });
-                   engine->picture(PageExtent::Whole,
-                                   [&ends](const PagePictureResult& result) { ends += result ? 0 : 1; });
-               });
+    page->call(
+        {QStringLiteral("await new Promise(() => {})"), {}}, std::chrono::seconds(20),
+        [&, engine](const PageScriptResult&) {
+            engine->call({QStringLiteral("return 1"), {}}, std::chrono::seconds(20),
+                         [&ends](const PageScriptResult& result) { ends += result ? 0 : 1; });
+            engine->picture(PageExtent::Whole,
+                            [&ends](const PagePictureResult& result) { ends += result ? 0 : 1; });
+        });
 
     page.reset();
 

@@ -71,6 +71,18 @@ TEST_F(WebConsoleTest, AnErrorInAScriptOfAnotherOriginIsTold)
     EXPECT_TRUE(log()[0].endsWith(QStringLiteral(" (%1:2)").arg(far)));
 }
 
+TEST_F(WebConsoleTest, AnErrorThatThePageMakesUpIsToldOnce)
+{
+    ASSERT_TRUE(show("<!doctype html><script>"
+                     "dispatchEvent(new Event('error'));"
+                     "dispatchEvent(new ErrorEvent('error', {message: 'made up'}));"
+                     "null.x</script>"));
+
+    ASSERT_EQ(log().size(), 2U);
+    EXPECT_EQ(log()[0], QStringLiteral("error: Uncaught made up"));
+    EXPECT_EQ(count(QStringLiteral("TypeError")), 1);
+}
+
 TEST_F(WebConsoleTest, ARejectionThatNobodyHandlesIsTold)
 {
     ASSERT_TRUE(show(

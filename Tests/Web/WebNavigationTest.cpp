@@ -1,9 +1,5 @@
 #include "Tests/Support/WebHarness.h"
 
-#include <QDesktopServices>
-#include <QTemporaryDir>
-#include <QWidget>
-
 namespace Bralto {
 namespace {
 
@@ -262,16 +258,6 @@ TEST_F(WebNavigationTest, AWindowThatThePageOpensIsAskedFor)
                                                  site.url(QStringLiteral("/other")),
                                                  site.url(QStringLiteral("/third"))}));
     EXPECT_EQ(site.count(QStringLiteral("/third")), 0);
-}
-
-TEST_F(WebNavigationTest, AnAddressForAnotherProgramIsOpenedByNobody)
-{
-    ASSERT_TRUE(show(Plain));
-
-    load(QUrl(QStringLiteral("bralto-test:x")));
-
-    EXPECT_EQ(page->url(), site.url());
-    EXPECT_FALSE(page->isLoading());
 }
 
 TEST_F(WebNavigationTest, ZoomHoldsOverPages)

@@ -212,13 +212,16 @@ TEST_F(WebQuestionsTest, DocumentsOfEveryKindAsk)
     file.write(Plain);
     file.close();
     site.route(QStringLiteral("/strict"), [](const SiteServer::Request&) {
-        return SiteServer::Response{200, "<!doctype html>words", "text/html",
+        return SiteServer::Response{200,
+                                    "<!doctype html>words",
+                                    "text/html",
                                     {{"Content-Security-Policy", "default-src 'none'"}}};
     });
     site.page(QStringLiteral("/frame"), "<!doctype html><iframe srcdoc='words'></iframe>");
-    for (const QUrl& url : {QUrl::fromLocalFile(file.fileName()), QUrl(QStringLiteral("data:text/html,words")),
-                            QUrl(QStringLiteral("about:blank")), site.url(QStringLiteral("/strict")),
-                            site.url(QStringLiteral("/frame"))}) {
+    for (const QUrl& url :
+         {QUrl::fromLocalFile(file.fileName()), QUrl(QStringLiteral("data:text/html,words")),
+          QUrl(QStringLiteral("about:blank")), site.url(QStringLiteral("/strict")),
+          site.url(QStringLiteral("/frame"))}) {
         SCOPED_TRACE(url.toString().toStdString());
         ASSERT_TRUE(load(url));
         notes.questions.clear();
@@ -226,12 +229,14 @@ TEST_F(WebQuestionsTest, DocumentsOfEveryKindAsk)
             page->answer(question.id, {true, QStringLiteral("ä\"")});
         });
 
-        run(QStringLiteral("const w = self.length ? self[0] : self; document.title = w.prompt('a&b\\ud800', 'c')"));
+        run(QStringLiteral("const w = self.length ? self[0] : self; document.title = "
+                           "w.prompt('a&b\\ud800', 'c')"));
 
         EXPECT_TRUE(titleBecomes(QStringLiteral("ä\"")));
         ASSERT_EQ(notes.questions.size(), 1U);
         EXPECT_TRUE(notes.questions[0].text.startsWith(QStringLiteral("a&b")));
-        std::printf("%s from %s\n", qPrintable(url.scheme()), qPrintable(notes.questions[0].origin));
+        std::printf("%s from %s\n", qPrintable(url.scheme()),
+                    qPrintable(notes.questions[0].origin));
     }
 }
 
@@ -246,7 +251,8 @@ TEST_F(WebQuestionsTest, OtherPagesRunWhileOneAsks)
 
     other->load(site.url(QStringLiteral("/other")));
 
-    EXPECT_TRUE(spinUntil([&] { return other->title() == QStringLiteral("Other") && !other->isLoading(); }));
+    EXPECT_TRUE(spinUntil(
+        [&] { return other->title() == QStringLiteral("Other") && !other->isLoading(); }));
     page->answer(notes.questions[0].id, {});
     EXPECT_EQ(value(QStringLiteral("return 1")), 1);
 }

@@ -108,18 +108,6 @@ TEST_F(WebSafetyTest, ADocumentThatKnowsNoKeyAsksNothing)
     EXPECT_TRUE(notes.questions.empty());
 }
 
-TEST_F(WebSafetyTest, ProgramsAreOpenedOnlyByTheUser)
-{
-    struct Opener : QObject {};
-    ASSERT_TRUE(show("<!doctype html><a href='bralto-elsewhere:x'>x</a>"));
-
-    value(QStringLiteral("document.querySelector('a').click()"));
-    value(QStringLiteral("await new Promise(r => setTimeout(r, 200))"));
-
-    EXPECT_EQ(page->url(), site.url());
-    EXPECT_TRUE(notes.failures.empty());
-}
-
 TEST_F(WebSafetyTest, EachProjectHasItsOwnCookiesAndKeepsThem)
 {
     QTemporaryDir other;

@@ -2,11 +2,29 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QKeyEvent>
 #include <QMainWindow>
 
 namespace Bralto {
 namespace {
+
+/// Stands in for the programs of the desktop.
+class Elsewhere final : public QObject {
+    Q_OBJECT
+
+public:
+    Elsewhere()
+    {
+        QDesktopServices::setUrlHandler(QStringLiteral("bralto-elsewhere"), this, "open");
+    }
+    ~Elsewhere() override { QDesktopServices::unsetUrlHandler(QStringLiteral("bralto-elsewhere")); }
+
+    std::vector<QUrl> opened;
+
+public slots:
+    void open(const QUrl& url) { opened.push_back(url); }
+};
 
 /// A page that lies in a window, as a user has it.
 class WebWindowTest : public WebTest {
@@ -127,6 +145,58 @@ TEST_F(WebWindowTest, TheLinkUnderThePointerIsTold)
 
     moveTo(QPoint(10, 300));
     EXPECT_TRUE(spinUntil([this] { return notes.hovered.isEmpty(); }));
+}
+
+TEST_F(WebWindowTest, AProgramOfTheDesktopIsStartedOnlyByTheUser)
+{
+    Elsewhere elsewhere;
+    ASSERT_TRUE(show("<!doctype html><body style='margin:0'>"
+                     "<a href='bralto-elsewhere:x' style='display:block;height:100px'>x</a>"));
+
+    value(QStringLiteral("document.querySelector('a').click()"));
+    value(QStringLiteral("location = 'bralto-elsewhere:y'"));
+    value(QStringLiteral("document.body.append(Object.assign(document.createElement('iframe'),"
+                         "{src: 'bralto-elsewhere:z'}))"));
+    value(QStringLiteral("await new Promise(r => setTimeout(r, 200))"));
+    EXPECT_TRUE(elsewhere.opened.empty());
+    click(QPoint(10, 10));
+
+    EXPECT_TRUE(spinUntil([&] { return !elsewhere.opened.empty(); }));
+    EXPECT_EQ(elsewhere.opened, std::vector<QUrl>{QUrl(QStringLiteral("bralto-elsewhere:x"))});
+    EXPECT_EQ(page->url(), site.url());
+    EXPECT_EQ(value(QStringLiteral("return document.querySelector('a').innerText")),
+              QStringLiteral("x"));
+}
+
+TEST_F(WebWindowTest, AnAddressForAnotherProgramIsAFailure)
+{
+    Elsewhere elsewhere;
+    ASSERT_TRUE(show("<!doctype html>words"));
+
+    ASSERT_TRUE(load(QUrl(QStringLiteral("bralto-elsewhere:x"))));
+    ASSERT_TRUE(load(QUrl(QStringLiteral("javascript:document.title='x'"))));
+
+    ASSERT_EQ(notes.failures.size(), 2U);
+    EXPECT_EQ(notes.failures[0].text,
+              QStringLiteral("Pages have no addresses that begin with “bralto-elsewhere:”."));
+    EXPECT_EQ(page->url(), QUrl(QStringLiteral("javascript:document.title='x'")));
+    EXPECT_TRUE(elsewhere.opened.empty());
+    EXPECT_EQ(value(QStringLiteral("return document.title")), QString());
+    ASSERT_TRUE(show("<!doctype html><title>Next</title>"));
+    EXPECT_EQ(page->title(), QStringLiteral("Next"));
+}
+
+TEST_F(WebWindowTest, TheMousesOwnButtonsGoThroughTheHistory)
+{
+    ASSERT_TRUE(show("<!doctype html><title>One</title>words", QStringLiteral("/1")));
+    ASSERT_TRUE(show("<!doctype html><title>Two</title>words", QStringLiteral("/2")));
+
+    click(QPoint(50, 50), Qt::BackButton);
+    ASSERT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("One"); }));
+    ASSERT_TRUE(spinUntil([this] { return !page->isLoading(); }));
+    click(QPoint(50, 50), Qt::ForwardButton);
+
+    EXPECT_TRUE(spinUntil([this] { return page->title() == QStringLiteral("Two"); }));
 }
 
 TEST_F(WebWindowTest, TextIsFoundAndCounted)
@@ -301,3 +371,5 @@ TEST_F(WebWindowTest, ManyPagesComeAndGo)
 
 } // namespace
 } // namespace Bralto
+
+#include "WebWindowTest.moc"

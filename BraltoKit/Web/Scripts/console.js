@@ -7,6 +7,9 @@ if (!window.__braltoConsole) {
   const LONGEST_TEXT = 4000;
   const OWN_SCRIPT = "bralto-eval-";
   const { stringify } = JSON;
+  const OwnElement = Element;
+  const OwnError = Error;
+  const OwnErrorEvent = ErrorEvent;
 
   const formatError = (error) => {
     const head = `${error.name}: ${error.message}`;
@@ -18,7 +21,7 @@ if (!window.__braltoConsole) {
   const format = (value) => {
     if (typeof value === "string") return value;
     try {
-      if (value instanceof Error) return formatError(value);
+      if (value instanceof OwnError) return formatError(value);
       const text = stringify(value);
       return text === undefined ? String(value) : text;
     } catch {
@@ -50,13 +53,14 @@ if (!window.__braltoConsole) {
     "error",
     (event) => {
       const target = event.target;
-      if (target instanceof Element) {
+      if (target instanceof OwnElement) {
         const source = target.src || target.href || target.data || "";
         post("error", [`Failed to load ${target.tagName.toLowerCase()} ${source}`]);
         return;
       }
+      if (!(event instanceof OwnErrorEvent)) return;
       // An error in a script of another origin: the engine knows more than it says here.
-      if (!event.filename && !event.error) {
+      if (event.isTrusted && !event.filename && !event.error) {
         braltoPost("m", "", "");
         return;
       }
@@ -71,7 +75,7 @@ if (!window.__braltoConsole) {
 
   addEventListener("unhandledrejection", (event) => {
     const reason = event.reason;
-    const stack = reason instanceof Error ? reason.stack : "";
+    const stack = reason instanceof OwnError ? reason.stack : "";
     if (stack && stack.includes(OWN_SCRIPT)) return;
     post("error", ["Unhandled promise rejection:", reason]);
   });
