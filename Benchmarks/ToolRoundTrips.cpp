@@ -1,8 +1,13 @@
 /// @file
 /// How long an agent's tools take on real pages of the test site, without the way through the
 /// socket: medians and 95th percentiles in milliseconds, and the length of the answers.
+///
+/// With `--serve HOME FOLDER` it is the window of the project in FOLDER for `bralto --mcp` instead,
+/// until its input ends, and prints the address of the site; see Tools/scripts/tool-race.mjs.
 
 #include "Browser/BrowserController.h"
+#include "Browser/ControlServer.h"
+#include "Browser/ControlSocket.h"
 #include "Platform/QtScheduler.h"
 #include "Platform/SystemClock.h"
 #include "Tests/Support/FakeBrowserTabs.h"
@@ -12,6 +17,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QSocketNotifier>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -66,6 +72,27 @@ public:
                     times[times.size() * 95 / 100], static_cast<long long>(size));
     }
 
+    /// Answers agents until the standard input ends.
+    int serve(const QString& home, const QString& folder)
+    {
+        const QString directory = home + "/Library/Application Support/Bralto/control";
+        QObject context;
+        ControlServer server(
+            ControlSocket::path(directory, folder),
+            [this, &context](const QByteArray& request, const ControlServer::Answer& answer) {
+                QMetaObject::invokeMethod(
+                    &context, [this, request, answer] { m_controller.respond(request, answer); },
+                    Qt::QueuedConnection);
+            });
+        if (ControlSocket::prepareDirectory(directory) || server.start())
+            return 1;
+        std::printf("%s\n", qPrintable(m_site.url().toString()));
+        std::fflush(stdout);
+        QSocketNotifier input(0, QSocketNotifier::Read);
+        QObject::connect(&input, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
+        return QCoreApplication::exec();
+    }
+
 private:
     SiteServer m_site{QStringLiteral(TEST_SITE)};
     QtScheduler m_scheduler;
@@ -88,6 +115,8 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
 
     Driver driver;
+    if (argc == 4 && QByteArray(argv[1]) == "--serve")
+        return driver.serve(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
     std::printf("%-34s %8s %8s %10s\n", "tool", "median", "95 %", "bytes");
     driver.open("/controls.html");
     driver.measure("tabs", 50, "tabs", {});

@@ -83,7 +83,9 @@ function check(path, before, after) {
 const folder = `${sources}/BraltoKit/Browser/Scripts`;
 const head = "(async function () {\n";
 const prelude = readFileSync(`${folder}/prelude.js`, "utf8");
-const scripts = readdirSync(folder).filter((name) => name !== "prelude.js" && name !== "evaluate.js");
+const scripts = readdirSync(folder).filter(
+  (name) => name.endsWith(".js") && name !== "prelude.js" && name !== "evaluate.js",
+);
 const preludeFindings = new Map();
 for (const script of scripts) {
   const name = script.replace(".js", "");

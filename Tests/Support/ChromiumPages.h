@@ -22,11 +22,11 @@ class ChromiumDriver {
 public:
     static ChromiumDriver& shared()
     {
-        if (!s_shared)
-            s_shared = std::make_unique<ChromiumDriver>();
-        return *s_shared;
+        if (!m_shared)
+            m_shared = std::make_unique<ChromiumDriver>();
+        return *m_shared;
     }
-    static void end() { s_shared.reset(); }
+    static void end() { m_shared.reset(); }
 
     ChromiumDriver()
     {
@@ -108,7 +108,7 @@ private:
               {{"cmd", "Emulation.setDeviceMetricsOverride"}, {"params", metrics}});
     }
 
-    static inline std::unique_ptr<ChromiumDriver> s_shared;
+    static inline std::unique_ptr<ChromiumDriver> m_shared;
 
     QTemporaryDir m_profile;
     QProcess m_driver;

@@ -134,6 +134,21 @@ TEST_F(PageTrouble, ACrashedPageIsToldAndLoadsAgain)
     EXPECT_EQ(outline(), "- paragraph: Here you are.");
 }
 
+TEST_F(PageTrouble, APageThatCrashesWhileItLoadsIsToldAtOnce)
+{
+    open("/arrived.html");
+    const QString told = text("navigate", {{"url", "chrome://crash"}});
+    EXPECT_TRUE(told.contains(" (failed: ")) << told.toStdString();
+    EXPECT_TRUE(error("click", {{"selector", "p"}}).startsWith("The page crashed."));
+}
+
+TEST_F(PageTrouble, AFileIsOpenedByItsPath)
+{
+    const QString path = QDir::cleanPath(QStringLiteral(BRALTO_FIXTURES "/../Site/arrived.html"));
+    EXPECT_TRUE(text("open", {{"url", path}}).contains("Arrived — file://"));
+    EXPECT_EQ(outline(), "- paragraph: Here you are.");
+}
+
 TEST_F(PageTrouble, ABlankTabIsABlankPage)
 {
     tabs.add({});

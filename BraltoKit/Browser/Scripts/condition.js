@@ -2,7 +2,8 @@
 
 function condition({ text, selector, gone }) {
   let isMet = true;
-  if (text !== null) isMet = document.body !== null && innerText(document.body).includes(text);
+  const body = bodyOf(document);
+  if (text !== null) isMet = body !== null && innerText(body).includes(text);
   if (isMet && selector !== null) {
     const el = deep(document, selector);
     isMet = el !== null && isVisible(el);

@@ -502,7 +502,7 @@ function render(entries, maxChars) {
 
 function outline({ ref, selector, maxChars }) {
   const element = find(ref, selector);
-  const scope = element ?? document.body ?? document.documentElement;
+  const scope = element ?? bodyOf(document) ?? documentElementOf(document);
   const walk = new Outline();
   walk.build(scope);
   const { text, leftOut } = render(walk.entries, maxChars);

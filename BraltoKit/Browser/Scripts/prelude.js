@@ -33,6 +33,11 @@ const boxOf = nativeMethod(Element.prototype, "getBoundingClientRect");
 const scrollIntoView = nativeMethod(Element.prototype, "scrollIntoView");
 const rootOf = nativeMethod(Node.prototype, "getRootNode");
 const dispatch = nativeMethod(EventTarget.prototype, "dispatchEvent");
+const bodyOf = nativeGetter(Document.prototype, "body");
+const activeElementOf = nativeGetter(Document.prototype, "activeElement");
+const scrollingElementOf = nativeGetter(Document.prototype, "scrollingElement");
+const documentElementOf = nativeGetter(Document.prototype, "documentElement");
+const execCommand = Document.prototype.execCommand;
 
 const elementType = 1;
 const textType = 3;
@@ -207,7 +212,7 @@ const undrawn = { __proto__: null, title: true, desc: true, defs: true, metadata
 
 // The focused element, also in shadow roots; null if none is.
 function focusedElement() {
-  let el = document.activeElement;
+  let el = activeElementOf(document);
   for (let inner = el; inner; inner = shadowOf(inner)?.activeElement) el = inner;
   return el;
 }
@@ -219,7 +224,7 @@ function focus(el) {
   if (el === before || typeof el.focus !== "function") return;
   el.focus({ preventScroll: true });
   if (document.hasFocus() || focusedElement() !== el) return;
-  if (before && before !== document.body) {
+  if (before && before !== bodyOf(document)) {
     fireFocus(before, "blur", false, el);
     fireFocus(before, "focusout", true, el);
   }
@@ -245,6 +250,10 @@ function fireInput(el, inputType, data) {
   dispatch(el, new InputEvent("input", { bubbles: true, composed: true, inputType, data }));
 }
 
+function edit(command, text = null) {
+  return execCommand.call(document, command, false, text);
+}
+
 function fireChange(el) {
   dispatch(el, new Event("change", { bubbles: true }));
 }
@@ -262,7 +271,7 @@ function setValue(el, value) {
 }
 
 function pageScroll() {
-  const page = document.scrollingElement ?? document.documentElement;
+  const page = scrollingElementOf(document) ?? documentElementOf(document);
   return {
     at: Math.round(window.scrollY),
     most: Math.max(0, page.scrollHeight - window.innerHeight),

@@ -30,7 +30,7 @@ const keyCodes = {
   " ": 32,
 };
 const activatedRoles = /^(button|link|menuitem|option|tab)$/;
-const toggledRoles = /^(checkbox|switch)$/;
+const toggledRoles = /^(button|checkbox|switch)$/;
 const focusable =
   "a[href], area[href], button, input, select, textarea, summary, iframe, audio[controls], " +
   "video[controls], [tabindex], [contenteditable]";
@@ -89,7 +89,7 @@ function enter(el) {
     return "";
   }
   if (isEditable(el)) {
-    document.execCommand("insertParagraph");
+    edit("insertParagraph");
     return "";
   }
   const activates = /^(A|BUTTON|SUMMARY)$/.test(tag) || activatedRoles.test(roleAttribute(el));
@@ -111,7 +111,6 @@ function isToggledBySpace(el) {
     tag === "BUTTON" ||
     tag === "SUMMARY" ||
     (tag === "INPUT" && /^(button|submit|reset|image|file|checkbox|radio)$/.test(el.type)) ||
-    (activatedRoles.test(roleAttribute(el)) && roleAttribute(el) === "button") ||
     toggledRoles.test(roleAttribute(el))
   );
 }
@@ -154,13 +153,13 @@ function collectStops(root, stops) {
 }
 
 function backspace(el) {
-  if (isEditable(el)) document.execCommand("delete");
+  if (isEditable(el)) edit("delete");
   else if (isField(el))
     write(el, Array.from(el.value).slice(0, -1).join(""), "deleteContentBackward", null);
 }
 
 function insert(el, character) {
-  if (isEditable(el)) document.execCommand("insertText", false, character);
+  if (isEditable(el)) edit("insertText", character);
   else write(el, el.value + character, "insertText", character);
 }
 
@@ -180,7 +179,7 @@ function scrollBy(pressed) {
   if (step) window.scrollBy({ left: step[0], top: step[1], behavior: "instant" });
   else if (pressed.key === "Home") window.scrollTo({ top: 0, behavior: "instant" });
   else if (pressed.key === "End") {
-    window.scrollTo({ top: document.scrollingElement.scrollHeight, behavior: "instant" });
+    window.scrollTo({ top: scrollingElementOf(document).scrollHeight, behavior: "instant" });
   }
 }
 
@@ -201,7 +200,7 @@ function perform(el, pressed, isPrintable) {
 }
 
 function press({ ref, selector, key }) {
-  const el = find(ref, selector) ?? focusedElement() ?? document.body;
+  const el = find(ref, selector) ?? focusedElement() ?? bodyOf(document);
   if (el !== focusedElement()) focus(el);
   const pressed = parseKey(key);
   const name = describe(el);

@@ -39,11 +39,11 @@ function choose(el, text) {
   fireChange(el);
 }
 
-function edit(el, text, clear) {
+function rewrite(el, text, clear) {
   const selection = getSelection();
   selection.selectAllChildren(el);
   if (!clear) selection.collapseToEnd();
-  if (document.execCommand("insertText", false, text)) return;
+  if (edit("insertText", text)) return;
   if (clear) el.textContent = "";
   el.append(text);
   fireInput(el, "insertText", text);
@@ -70,13 +70,13 @@ function pressEnter(el) {
 
 function type({ ref, selector, text, submit, clear }) {
   const el = find(ref, selector) ?? focusedElement();
-  if (!el || el === document.body) {
+  if (!el || el === bodyOf(document)) {
     throw new Error("Pass a ref from snapshot or a CSS selector for the field.");
   }
   scrollIntoView(el, { block: "center", inline: "center", behavior: "instant" });
   focus(el);
   if (tagOf(el) === "SELECT") choose(el, text);
-  else if (isEditable(el)) edit(el, text, clear);
+  else if (isEditable(el)) rewrite(el, text, clear);
   else if (isTextField(el)) fill(el, text, clear);
   else throw new Error(`${describe(el)} isn't a text field.`);
   const name = describe(el);
