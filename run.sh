@@ -31,7 +31,7 @@ while [ $# -gt 0 ]; do
 done
 
 install_packages
-targets=(Bralto BraltoDesktop BundledDemoAgent kovalt)
+targets=(Bralto BraltoDesktop BraltoWeb BundledDemoAgent kovalt)
 [ -d build/release/Bralto.app ] || echo "Building Bralto; the first time takes some minutes." >&2
 if [ -t 1 ]; then
     build_preset release "${targets[@]}"
