@@ -105,6 +105,7 @@ int main(int argc, char** argv)
     std::printf("%-44s %.0f MB\n", "memory with one page", memory());
 
     std::vector<double> calls;
+    calls.reserve(1000);
     for (int i = 0; i < 1000; ++i)
         calls.push_back(timed([&](auto over) {
             page->call({QStringLiteral("return await a + 1"), {{QStringLiteral("a"), i}}},
@@ -112,6 +113,7 @@ int main(int argc, char** argv)
         }));
     print("call", calls);
     std::vector<double> large;
+    large.reserve(10);
     for (int i = 0; i < 10; ++i)
         large.push_back(timed([&](auto over) {
             page->call({QStringLiteral("return 'x'.repeat(5e6)"), {}}, std::chrono::seconds(10),
@@ -119,12 +121,14 @@ int main(int argc, char** argv)
         }));
     print("call that gives 5 MB", large);
     std::vector<double> pictures;
+    pictures.reserve(30);
     for (int i = 0; i < 30; ++i)
         pictures.push_back(timed([&](auto over) {
             page->picture(PageExtent::Visible, [over](const PagePictureResult&) { over(); });
         }));
     print("picture of 1280 x 800", pictures);
     std::vector<double> wholes;
+    wholes.reserve(5);
     for (int i = 0; i < 5; ++i)
         wholes.push_back(timed([&](auto over) {
             page->picture(PageExtent::Whole, [over](const PagePictureResult&) { over(); });

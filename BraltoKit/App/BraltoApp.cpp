@@ -24,18 +24,30 @@ public:
                      qEnvironmentVariable("QT_QUICK_BACKEND", QStringLiteral("software")) ==
                          QLatin1String("software"))
     {
-        if (m_isWanted)
-            qputenv(GlIntegration, "none");
+        if (!m_isWanted)
+            return;
+        qputenv(GlIntegration, "none");
+        s_handler = qInstallMessageHandler(&WithoutGraphicsDriver::report);
     }
     ~WithoutGraphicsDriver()
     {
-        if (m_isWanted)
-            qunsetenv(GlIntegration);
+        if (!m_isWanted)
+            return;
+        qInstallMessageHandler(s_handler);
+        qunsetenv(GlIntegration);
     }
     WithoutGraphicsDriver(const WithoutGraphicsDriver&) = delete;
     WithoutGraphicsDriver& operator=(const WithoutGraphicsDriver&) = delete;
 
 private:
+    /// Keeps the platform from complaining of what is meant to be so.
+    static void report(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        if (!text.startsWith(QLatin1String("QXcbIntegration: Cannot create platform OpenGL")))
+            s_handler(type, context, text);
+    }
+
+    static inline QtMessageHandler s_handler = nullptr;
     bool m_isWanted;
 };
 

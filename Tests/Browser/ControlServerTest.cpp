@@ -295,7 +295,8 @@ TEST_F(RunningControlServer, SurvivesAThousandConnections)
     clients.clear();
 
     EXPECT_TRUE(eventually([this] { return server.clientCount() == 0; }));
-    EXPECT_TRUE(eventually([&] { return openDescriptors() == before; }));
+    // A client of an earlier test may still have been closing then.
+    EXPECT_TRUE(eventually([&] { return openDescriptors() <= before; }));
     EXPECT_EQ(Client(path).ask("x"), "re: x");
 }
 

@@ -93,7 +93,8 @@ TEST_F(TerminalJourney, TheAgentStartsInTheUsersShellAndGoesOnAfterARestart)
     ASSERT_TRUE(DesktopSession::waitFor([&] { return starts().size() == 1; }));
     desktop.picture("agent");
     const QRegularExpressionMatch first =
-        QRegularExpression("^--session-id ([0-9a-f-]{36})$").match(starts()[0]);
+        QRegularExpression("^--mcp-config .*/mcp\\.json --session-id ([0-9a-f-]{36})$")
+            .match(starts()[0]);
     ASSERT_TRUE(first.hasMatch()) << starts()[0].toStdString();
     const QString stored = desktop.home() + "/.claude/projects/p";
     QDir().mkpath(stored);
@@ -103,7 +104,8 @@ TEST_F(TerminalJourney, TheAgentStartsInTheUsersShellAndGoesOnAfterARestart)
     ASSERT_TRUE(desktop.openProject());
 
     ASSERT_TRUE(DesktopSession::waitFor([&] { return starts().size() == 2; }));
-    EXPECT_EQ(starts()[1], "--resume " + first.captured(1));
+    EXPECT_TRUE(starts()[1].endsWith("/mcp.json --resume " + first.captured(1)))
+        << starts()[1].toStdString();
 }
 
 TEST_F(TerminalJourney, LayoutFolderAndTextComeBack)

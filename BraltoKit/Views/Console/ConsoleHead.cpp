@@ -194,7 +194,7 @@ void ConsoleHead::place(Step step)
     if (step == Step::Animated && isVisible())
         m_glide->moveTo(std::move(journey), Motions::Panel);
     else
-        m_glide->jumpTo(std::move(journey));
+        m_glide->jumpTo(journey);
     m_hide->move(width() - Right - Measure::BarButton, top);
     m_maximize->move(width() - Right - 2 * Measure::BarButton - Gap, top);
 }
