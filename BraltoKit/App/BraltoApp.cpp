@@ -27,13 +27,13 @@ public:
         if (!m_isWanted)
             return;
         qputenv(GlIntegration, "none");
-        s_handler = qInstallMessageHandler(&WithoutGraphicsDriver::report);
+        previousHandler = qInstallMessageHandler(&WithoutGraphicsDriver::report);
     }
     ~WithoutGraphicsDriver()
     {
         if (!m_isWanted)
             return;
-        qInstallMessageHandler(s_handler);
+        qInstallMessageHandler(previousHandler);
         qunsetenv(GlIntegration);
     }
     WithoutGraphicsDriver(const WithoutGraphicsDriver&) = delete;
@@ -44,10 +44,10 @@ private:
     static void report(QtMsgType type, const QMessageLogContext& context, const QString& text)
     {
         if (!text.startsWith(QLatin1String("QXcbIntegration: Cannot create platform OpenGL")))
-            s_handler(type, context, text);
+            previousHandler(type, context, text);
     }
 
-    static inline QtMessageHandler s_handler = nullptr;
+    static inline QtMessageHandler previousHandler = nullptr;
     bool m_isWanted;
 };
 

@@ -12,7 +12,9 @@ namespace Bralto {
 namespace {
 
 constexpr int Margin = 24;
+constexpr int Top = 90;
 constexpr int CardHeight = 112;
+constexpr int Gap = 12;
 
 struct Station {
     const char* name;
@@ -40,8 +42,10 @@ void SamplePage::paintEvent(QPaintEvent* /*event*/)
 
     const int wide = (width() - 3 * Margin) / 2;
     for (std::size_t at = 0; at < Stations.size(); ++at) {
-        const QRectF card(Margin + int(at % 2) * (wide + Margin),
-                          90 + int(at / 2) * (CardHeight + Margin / 2), wide, CardHeight);
+        const int column = int(at) % 2;
+        const int row = int(at) / 2;
+        const QRectF card(Margin + column * (wide + Margin), Top + row * (CardHeight + Gap), wide,
+                          CardHeight);
         painter.setPen(QColor(0xe2e6ea));
         painter.setBrush(Qt::white);
         painter.drawRoundedRect(card, 8, 8);
