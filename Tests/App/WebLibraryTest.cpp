@@ -40,7 +40,8 @@ TEST(WebLibrary, TheFirstPageLoadsTheEngine)
 {
     SiteServer site;
     site.page(QStringLiteral("/"), "<!doctype html><title>Loaded</title>words");
-    WebLibrary library({QStringLiteral(BRALTO_BIN "/../Bralto.app/Contents/Frameworks/libBraltoWeb.so")}, {});
+    WebLibrary library(
+        {QStringLiteral(BRALTO_BIN "/../Bralto.app/Contents/Frameworks/libBraltoWeb.so")}, {});
     PageNotes notes;
     EXPECT_FALSE(library.isLoaded());
     EXPECT_FALSE(isEngineMapped());

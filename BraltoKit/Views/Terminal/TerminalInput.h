@@ -74,8 +74,6 @@ signals:
     void urlActivated(const QString& url);
     void fileActivated(const QString& path, int line, int column);
 
-protected:
-
 private:
     [[nodiscard]] TerminalKeyPress read(const QKeyEvent& event) const;
     /// Whether the view carries the command out now.
