@@ -23,7 +23,9 @@ for report in (build / "results").glob("*.xml"):
     failed += bad
     passed += int(suites.get("tests", 0)) - bad - int(suites.get("disabled", 0))
 
-for name, verdict in re.findall(r"Test\s+#\d+: (\S+) [.\s]*(Passed|\*\*\*\S+)", log):
+# A program that ran more than once is told by its last run.
+verdicts = dict(re.findall(r"Test\s+#\d+: (\S+) [.\s]*(Passed|\*\*\*\S+)", log))
+for name, verdict in verdicts.items():
     if name in reported:
         # A report without failures from a program that failed all the same: a sanitizer spoke at exit.
         if verdict != "Passed":
