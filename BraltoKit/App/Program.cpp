@@ -316,8 +316,11 @@ void Program::followSystem()
     });
     connect(&m_workspace, &Workspace::spaceChanged, this,
             [this] { m_theme.setSpace(m_workspace.space()); });
-    connect(&m_theme, &Theme::changed, this, [this] { m_web.setDark(m_theme.tokens().dark); });
+    const auto tellPages = [this] { m_web.setDark(m_theme.tokens().dark); };
+    connect(&m_theme, &Theme::changed, this, tellPages);
     m_theme.setSpace(m_workspace.space());
+    // The window may have taken the project's look already.
+    tellPages();
     m_motion.setReduced(m_settings.reducedMotion());
 }
 

@@ -29,7 +29,8 @@ EditorDocument* WorkspaceTab::document() const
 
 BrowserTab* WorkspaceTab::browser() const
 {
-    return sharedBrowser().get();
+    const auto* content = std::get_if<std::shared_ptr<BrowserTab>>(&m_content);
+    return content ? content->get() : nullptr;
 }
 
 std::shared_ptr<BrowserTab> WorkspaceTab::sharedBrowser() const
